@@ -1,0 +1,15 @@
+// This process and its neighbours, as the system sees them.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+// The name of this process as `ps` shows it, cut to 15 bytes. Only on the main thread.
+void SetProcessName(std::string_view name);
+// The ids of this user's running processes of that name (cut to 15 bytes), this process excluded.
+std::vector<int> FindProcesses(std::string_view name);
+
+std::string HostName();
+// Raises the soft limit on open files to `count`, or to the hard limit where that is lower.
+void RaiseOpenFilesLimit(unsigned long count);

@@ -1,0 +1,113 @@
+#include "platform/FileLock.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <thread>
+
+#include "platform/LFileDescriptor.h"
+#include "platform/LSignalObject.h"
+#include "tests/support/LChildProcess.h"
+#include "tests/support/LScopedAlarm.h"
+#include "tests/support/LTempFolder.h"
+
+namespace {
+
+// With these the pauses are 11, 22, 44, 88 and 176 ms.
+constexpr int kTimeoutMs = 320;
+constexpr int kAllPausesMs = 341;
+
+class FileLock : public ::testing::Test {
+protected:
+    LFileDescriptor Open() const {
+        return LFileDescriptor(
+            ::open(folder_.File("lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+    }
+    // How long the lock was tried for, in ms; `taken` tells whether it was had.
+    static long TryFor(const LFileDescriptor& fd, LFileLockKind kind, int timeoutMs, bool& taken) {
+        const auto begin = std::chrono::steady_clock::now();
+        taken = flocktimed(fd.Get(), kind, timeoutMs);
+        const auto spent = std::chrono::steady_clock::now() - begin;
+        return static_cast<long>(
+            std::chrono::duration_cast<std::chrono::milliseconds>(spent).count());
+    }
+
+    LTempFolder folder_;
+};
+
+}  // namespace
+
+TEST_F(FileLock, ReadersShareAndAWriterStandsAlone) {
+    const LFileDescriptor first = Open();
+    const LFileDescriptor second = Open();
+    const LFileDescriptor third = Open();
+    EXPECT_TRUE(flocktimed(first.Get(), LFileLockKind::kShared, 0));
+    EXPECT_TRUE(flocktimed(second.Get(), LFileLockKind::kShared, 0));
+    EXPECT_FALSE(flocktimed(third.Get(), LFileLockKind::kExclusive, 0));
+}
+
+TEST_F(FileLock, GivesUpWhenTheNextPauseWouldReachTheTimeout) {
+    const LFileDescriptor holder = Open();
+    const LFileDescriptor other = Open();
+    ASSERT_TRUE(flocktimed(holder.Get(), LFileLockKind::kExclusive));
+    // A busy machine stretches some tries, but not all; tripled pauses would make 440 ms.
+    long shortestMs = 10000;
+    for (int attempt = 0; attempt < 5 && shortestMs > kAllPausesMs + 60; ++attempt) {
+        const auto kind = attempt % 2 == 0 ? LFileLockKind::kShared : LFileLockKind::kExclusive;
+        bool taken = true;
+        const long spentMs = TryFor(other, kind, kTimeoutMs, taken);
+        EXPECT_FALSE(taken);
+        EXPECT_GE(spentMs, kAllPausesMs);
+        shortestMs = std::min(shortestMs, spentMs);
+    }
+    EXPECT_LE(shortestMs, kAllPausesMs + 60);
+}
+
+TEST_F(FileLock, InterruptedPausesAreResumed) {
+    const LFileDescriptor holder = Open();
+    const LFileDescriptor other = Open();
+    ASSERT_TRUE(flocktimed(holder.Get(), LFileLockKind::kExclusive));
+    const LScopedAlarm alarm;
+    bool taken = true;
+    const long spentMs = TryFor(other, LFileLockKind::kExclusive, kTimeoutMs, taken);
+    EXPECT_FALSE(taken);
+    EXPECT_GE(spentMs, kAllPausesMs);
+}
+
+TEST_F(FileLock, TheLockOfAnotherProcessIsHadWhenThatOneDies) {
+    const LSignalObject isLocked;
+    LChildProcess child([&] {
+        const LFileDescriptor held = Open();
+        if (!flocktimed(held.Get(), LFileLockKind::kExclusive)) return 1;
+        isLocked.Set();
+        for (;;) std::this_thread::sleep_for(std::chrono::seconds(1));
+    });
+    ASSERT_TRUE(isLocked.Wait(5000));
+
+    const LFileDescriptor mine = Open();
+    EXPECT_FALSE(flocktimed(mine.Get(), LFileLockKind::kShared, 0));
+    child.Kill();
+    EXPECT_TRUE(flocktimed(mine.Get(), LFileLockKind::kExclusive, 0));
+}
+
+TEST_F(FileLock, WaitsForALockThatIsGivenBackInTime) {
+    LFileDescriptor holder = Open();
+    const LFileDescriptor other = Open();
+    ASSERT_TRUE(flocktimed(holder.Get(), LFileLockKind::kExclusive));
+    std::thread release([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        holder.Close();
+    });
+    bool taken = false;
+    EXPECT_GE(TryFor(other, LFileLockKind::kExclusive, kTimeoutMs, taken), 50);
+    EXPECT_TRUE(taken);
+    release.join();
+}
+
+TEST_F(FileLock, AnErrorIsNoReasonToWait) {
+    bool taken = true;
+    EXPECT_LT(TryFor(LFileDescriptor(), LFileLockKind::kShared, 10000, taken), 1000);
+    EXPECT_FALSE(taken);
+}

@@ -1,0 +1,100 @@
+#include "platform/LLocaleInfo.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/support/LTempFolder.h"
+
+namespace {
+
+constexpr auto kDmy = LDateOrder::kDayMonthYear;
+constexpr auto kMdy = LDateOrder::kMonthDayYear;
+constexpr auto kYmd = LDateOrder::kYearMonthDay;
+
+constexpr const char* kNarrowSpace = "\u202f";
+
+}  // namespace
+
+TEST(LLocaleInfo, KnowsTheCountriesOfOurCustomers) {
+    struct Case {
+        const char *locale, *country, *decimal, *grouping, *symbol;
+        int digits;
+        LDateOrder order;
+        const char* separator;
+        bool metric;
+    };
+    const Case kCases[] = {
+        {"en_US.UTF-8", "US", ".", ",", "$", 2, kMdy, "/", false},
+        {"en_CA.UTF-8", "CA", ".", ",", "$", 2, kMdy, "/", true},
+        {"fr_CA.UTF-8", "CA", ",", "\u00a0", "$", 2, kYmd, "-", true},
+        {"en_GB.UTF-8", "GB", ".", ",", "£", 2, kDmy, "/", true},
+        {"en_IE@euro", "IE", ".", ",", "€", 2, kDmy, "/", true},
+        {"de_DE.UTF-8@euro", "DE", ",", ".", "€", 2, kDmy, ".", true},
+        {"de_AT", "AT", ",", "\u00a0", "€", 2, kDmy, ".", true},
+        {"de_CH.UTF-8", "CH", ".", "’", "CHF", 2, kDmy, ".", true},
+        {"fr_FR.UTF-8", "FR", ",", kNarrowSpace, "€", 2, kDmy, "/", true},
+        {"nl_NL.UTF-8", "NL", ",", ".", "€", 2, kDmy, "-", true},
+        {"es_ES.UTF-8", "ES", ",", ".", "€", 2, kDmy, "/", true},
+        {"sv_SE.ISO-8859-1", "SE", ",", "\u00a0", "kr", 2, kYmd, "-", true},
+        {"en_AU.UTF-8", "AU", ".", ",", "$", 2, kDmy, "/", true},
+        {"en_NZ.UTF-8", "NZ", ".", ",", "$", 2, kDmy, "/", true},
+        {"en_ZA.UTF-8", "ZA", ",", "\u00a0", "R", 2, kYmd, "/", true},
+        {"ja_JP.UTF-8", "JP", ".", ",", "￥", 0, kYmd, "/", true},
+        {"ar_EG.UTF-8", "EG", ".", ",", "ج.م.\u200f", 2, kDmy, "/", true},
+        {"th_TH.UTF-8", "TH", ".", ",", "฿", 2, kDmy, "/", true},
+        {"en_LR.UTF-8", "LR", ".", ",", "$", 2, kDmy, "/", false},
+        {"my_MM.UTF-8", "MM", ".", ",", "K", 0, kDmy, "/", false},
+        {"de_CA.UTF-8", "CA", ",", ".", "$", 2, kDmy, ".", true},
+    };
+    for (const Case& c : kCases) {
+        const LLocaleInfo info = GetLocaleInfoFor(c.locale);
+        EXPECT_EQ(info.country, c.country) << c.locale;
+        EXPECT_EQ(info.language, std::string_view(c.locale).substr(0, 2)) << c.locale;
+        EXPECT_EQ(info.decimalSeparator, c.decimal) << c.locale;
+        EXPECT_EQ(info.groupingSeparator, c.grouping) << c.locale;
+        EXPECT_EQ(info.currencySymbol, c.symbol) << c.locale;
+        EXPECT_EQ(info.currencyDigits, c.digits) << c.locale;
+        EXPECT_EQ(info.dateOrder, c.order) << c.locale;
+        EXPECT_EQ(info.dateSeparator, c.separator) << c.locale;
+        EXPECT_EQ(info.isMetric, c.metric) << c.locale;
+    }
+}
+
+TEST(LLocaleInfo, NamesWithoutACountryCountAsTheUnitedStates) {
+    const std::string endless(5000, 'x');
+    for (const std::string name :
+         {"", "C", "POSIX", "C.UTF-8", "de_", "_DE", "12_34", "../../x", "e", "english", "en_USA",
+          "xx_ZZ", "en_U\xff", endless.c_str()}) {
+        const LLocaleInfo info = GetLocaleInfoFor(name);
+        EXPECT_EQ(info.country, "") << name;
+        EXPECT_EQ(info.currencySymbol, "") << name;
+        EXPECT_EQ(info.currencyDigits, 2) << name;
+        EXPECT_EQ(info.dateOrder, kMdy) << name;
+        EXPECT_FALSE(info.isMetric) << name;
+    }
+    EXPECT_EQ(GetLocaleInfoFor("C").decimalSeparator, ".");
+    EXPECT_EQ(GetLocaleInfoFor("C").groupingSeparator, ",");
+    EXPECT_EQ(GetLocaleInfoFor("de").decimalSeparator, ",") << "the language tells that much";
+}
+
+TEST(LLocaleInfo, TheEnvironmentIsReadInThePosixOrder) {
+    const LScopedEnvironment lang("LANG", "en_GB.UTF-8");
+    const LScopedEnvironment monetary("LC_MONETARY", "de_DE.UTF-8");
+    {
+        const LScopedEnvironment all("LC_ALL", "");
+        EXPECT_EQ(GetLocaleInfo().country, "GB") << "an empty variable counts as missing";
+        EXPECT_EQ(GetLocaleInfo().decimalSeparator, ".");
+        EXPECT_EQ(GetLocaleInfo().currencySymbol, "€");
+    }
+    const LScopedEnvironment all("LC_ALL", "sv_SE.UTF-8");
+    EXPECT_EQ(GetLocaleInfo().country, "SE");
+    EXPECT_EQ(GetLocaleInfo().currencySymbol, "kr");
+}
+
+TEST(LLocaleInfo, TheTimeZoneIsTheOneOfNow) {
+    {
+        const LScopedEnvironment zone("TZ", "XST5");
+        EXPECT_EQ(MinutesWestOfUtc(), 300);
+    }
+    const LScopedEnvironment zone("TZ", "XST-5:30");
+    EXPECT_EQ(MinutesWestOfUtc(), -330);
+}
