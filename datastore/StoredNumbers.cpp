@@ -1,0 +1,84 @@
+#include "datastore/StoredNumbers.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <limits>
+
+namespace {
+
+struct Signed {
+    bool negative;
+    std::string_view digits;
+};
+
+Signed SkipToDigits(std::string_view text) {
+    const auto isVisible = [](char c) { return static_cast<unsigned char>(c) >= 33; };
+    text.remove_prefix(
+        static_cast<size_t>(std::find_if(text.begin(), text.end(), isVisible) - text.begin()));
+    const bool negative = text.starts_with('-');
+    if (negative || text.starts_with('+')) text.remove_prefix(1);
+    return {negative, text};
+}
+
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
+bool BeginsReal(std::string_view text) {
+    if (text.starts_with('.')) text.remove_prefix(1);
+    return !text.empty() && IsDigit(text.front());
+}
+
+// Beyond what a double holds: too small, or too large?
+bool IsTooSmall(std::string_view digits) {
+    const size_t exponent = digits.find_first_of("eE");
+    if (exponent != std::string_view::npos && digits.substr(exponent + 1).starts_with('-')) {
+        return true;
+    }
+    return digits.substr(0, digits.find_first_not_of("0123456789")).find_first_not_of('0') ==
+           std::string_view::npos;
+}
+
+}  // namespace
+
+int64_t ParseStoredInt64(std::string_view text) {
+    const Signed number = SkipToDigits(text);
+    constexpr uint64_t kMax = std::numeric_limits<int64_t>::max();
+    const uint64_t limit = number.negative ? kMax + 1 : kMax;
+    uint64_t value = 0;
+    for (const char c : number.digits) {
+        if (!IsDigit(c)) break;
+        const auto digit = static_cast<uint64_t>(c - '0');
+        if (value > (limit - digit) / 10) {
+            value = limit;
+            break;
+        }
+        value = value * 10 + digit;
+    }
+    return static_cast<int64_t>(number.negative ? 0 - value : value);
+}
+
+int ParseStoredInt(std::string_view text) {
+    using Limits = std::numeric_limits<int>;
+    return static_cast<int>(
+        std::clamp<int64_t>(ParseStoredInt64(text), Limits::min(), Limits::max()));
+}
+
+double ParseStoredReal(std::string_view text) {
+    const auto [negative, digits] = SkipToDigits(text);
+    if (!BeginsReal(digits)) return 0;
+    double value = 0;
+    const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), value);
+    if (result.ec == std::errc::result_out_of_range || std::isinf(value)) {
+        value = IsTooSmall(digits) ? 0 : std::numeric_limits<double>::max();
+    }
+    return negative ? -value : value;
+}
+
+std::string FormatStoredReal(double value) {
+    std::array<char, 400> text;  // the largest double has 309 digits before the point
+    if (!std::isfinite(value)) value = 0;
+    const auto result =
+        std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed, 6);
+    return {text.data(), result.ptr};
+}

@@ -1,0 +1,135 @@
+#include "datastore/Businesses.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <filesystem>
+#include <set>
+#include <thread>
+
+#include "datastore/LProfile.h"
+#include "platform/Folders.h"
+#include "tests/support/LTempFolder.h"
+
+namespace {
+
+const std::string kMultiBus = "data/Quillmarsh/Shared/MultiBus/";
+
+std::string NewBusiness(const std::string& name) {
+    const std::string folder = CreateNewBusiness().value_or("");
+    LProfile profile(folder);
+    LRecord company;
+    profile.OpenSettings(company, "Company");
+    company.SetString("Name", name);
+    return folder;
+}
+
+std::multiset<int> Numbers(LBusinessFilter filter = LBusinessFilter::kListed) {
+    std::multiset<int> numbers;
+    for (const LBusiness& business : ListBusinesses(filter)) numbers.insert(business.number);
+    return numbers;
+}
+
+TEST(Businesses, ANewOneTakesTheSmallestFreeNumber) {
+    const LTempHome home;
+    EXPECT_EQ(CreateNewBusiness(), home.File(kMultiBus + "1"));
+    EXPECT_EQ(CreateNewBusiness(), home.File(kMultiBus + "2"));
+    EXPECT_EQ(CreateNewBusiness(), home.File(kMultiBus + "3"));
+    std::filesystem::remove(home.File(kMultiBus + "1"));
+    EXPECT_EQ(CreateNewBusiness(), home.File(kMultiBus + "1"));
+    home.WriteFile(kMultiBus + "4", "a file in the way");
+    EXPECT_EQ(CreateNewBusiness(), home.File(kMultiBus + "5"));
+}
+
+TEST(Businesses, ThreadsNeverGetOneFolderTwice) {
+    const LTempHome home;
+    std::array<std::vector<std::string>, 4> folders;
+    {
+        std::vector<std::jthread> threads;
+        for (auto& mine : folders) {
+            threads.emplace_back([&mine] {
+                for (int i = 0; i < 10; ++i) mine.push_back(CreateNewBusiness().value_or(""));
+            });
+        }
+    }
+    std::set<std::string> all;
+    for (const auto& mine : folders) all.insert(mine.begin(), mine.end());
+    EXPECT_EQ(all.size(), 40u);
+    EXPECT_TRUE(all.contains(home.File(kMultiBus + "40")));
+}
+
+TEST(Businesses, NoneCanBeMadeWhereNothingCanBeWritten) {
+    const LTempHome home;
+    home.WriteFile("data", "");
+    EXPECT_EQ(CreateNewBusiness(), std::nullopt);
+}
+
+TEST(Businesses, AreFoundByName) {
+    const LTempHome home;
+    EXPECT_TRUE(SetBusinessName(0, "Head Office"));
+    const std::string first = NewBusiness("Äpfel & Birnen");
+    const std::string second = NewBusiness("Second");
+    EXPECT_EQ(GetBusinessNumber("Head Office"), 0);
+    EXPECT_EQ(GetBusinessNumber("Äpfel & Birnen"), 1);
+    EXPECT_EQ(GetBusinessNumber("second"), -1) << "letter case counts here";
+    EXPECT_TRUE(IsBusinessValid("äPFEL & birnen")) << "but not here";
+    EXPECT_FALSE(IsBusinessValid("Third"));
+    EXPECT_EQ(FindBusinessFolder("Second"), second);
+    EXPECT_EQ(FindBusinessFolder("Third"), "");
+    EXPECT_EQ(GetBusinessName(0), "Head Office");
+    EXPECT_EQ(GetBusinessName(2), "Second");
+    EXPECT_EQ(GetBusinessName(3), "");
+    EXPECT_EQ(GetBusinessName(-1), "");
+    EXPECT_EQ(GetBusinessFolder(0), GetSharedDataFolderApp());
+    EXPECT_EQ(GetBusinessFolder(1), first);
+    EXPECT_EQ(GetBusinessFolder(-1), "");
+    EXPECT_FALSE(std::filesystem::exists(home.File(kMultiBus + "3"))) << "asking makes nothing";
+}
+
+TEST(Businesses, TheDefaultOneComesFirst) {
+    const LTempHome home;
+    NewBusiness("One");
+    NewBusiness("Two");
+    InvBusinessIterator business;
+    ASSERT_TRUE(business.IsValid());
+    EXPECT_EQ(business.Current().number, 0);
+    business.Next();
+    business.Next();
+    EXPECT_TRUE(business.IsValid());
+    business.Next();
+    EXPECT_FALSE(business.IsValid());
+    business.Next();
+    EXPECT_FALSE(business.IsValid());
+    business.Reset();
+    EXPECT_EQ(business.Current().number, 0);
+    EXPECT_EQ(Numbers(), (std::multiset{0, 1, 2}));
+}
+
+TEST(Businesses, ADeletedOneIsHiddenUntilItIsBack) {
+    const LTempHome home;
+    NewBusiness("One");
+    NewBusiness("Two");
+    ASSERT_TRUE(SetBusinessDeleted(1, true));
+    EXPECT_EQ(Numbers(), (std::multiset{0, 2}));
+    EXPECT_EQ(Numbers(LBusinessFilter::kWithDeleted), (std::multiset{0, 1, 2}));
+    EXPECT_FALSE(IsBusinessValid("One"));
+    EXPECT_EQ(GetBusinessNumber("One"), -1);
+    EXPECT_EQ(GetBusinessName(1), "One");
+    ASSERT_TRUE(SetBusinessDeleted(1, false));
+    EXPECT_TRUE(IsBusinessValid("One"));
+    EXPECT_EQ(home.ReadFile(kMultiBus + "1/Misc/Company.dat"), "Name=One&Deleted=0");
+    EXPECT_FALSE(SetBusinessDeleted(9, true));
+    EXPECT_FALSE(SetBusinessName(-1, "x"));
+}
+
+TEST(Businesses, OtherThingsInTheFolderAreNone) {
+    const LTempHome home;
+    NewBusiness("One");
+    for (const char* name : {"1 copy", "backup", "01", "-1", "+2", "99999999999", "2x"}) {
+        std::filesystem::create_directories(home.File(kMultiBus + name));
+    }
+    home.WriteFile(kMultiBus + "7", "a file");
+    EXPECT_EQ(Numbers(), (std::multiset{0, 1}));
+}
+
+}  // namespace

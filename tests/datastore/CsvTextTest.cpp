@@ -1,0 +1,100 @@
+#include "datastore/CsvText.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+namespace {
+
+using Row = std::vector<std::string>;
+
+std::vector<Row> ReadAllRows(std::string_view text) {
+    LCsvReader reader(text);
+    std::vector<Row> rows;
+    for (Row row; reader.Next(row);) rows.push_back(row);
+    return rows;
+}
+
+TEST(CsvText, FieldsAreQuotedOnlyWhereTheyMustBe) {
+    EXPECT_EQ(FormatCsvRow({"1", "a b", ""}), "1,a b,");
+    EXPECT_EQ(FormatCsvRow({"Smith, J.", "5\" pipe", "a\r\nb", " x", "y\t"}),
+              "\"Smith, J.\",\"5\"\" pipe\",\"a\r\nb\",\" x\",\"y\t\"");
+    EXPECT_EQ(FormatCsvRow({""}), "\"\"");
+    EXPECT_EQ(FormatCsvRow({}), "");
+}
+
+TEST(CsvText, ListFieldsSplitAtTheirCommas) {
+    const struct {
+        const char* text;
+        Row elements;
+    } kCases[] = {
+        {"\"1/12.00/5.00/20.00\",\"3/0.00/0.00/0.00\",",
+         {"1/12.00/5.00/20.00", "3/0.00/0.00/0.00"}},
+        {"", {}},
+        {",", {""}},
+        {"a,,b", {"a", "", "b"}},
+        {"\"a\"\"b\",", {"a\"b"}},
+        {"\"a, b\" , \"c\"", {"a, b ", "c"}},
+        {"\"never closed, x", {"never closed, x"}},
+        {"a\"b,c\"d", {"a\"b", "c\"d"}},
+        {"\"a\nb\"", {"a\nb"}},
+        {"\"", {""}},
+    };
+    for (const auto& c : kCases) EXPECT_EQ(ParseCsvRow(c.text), c.elements) << c.text;
+}
+
+TEST(CsvText, RowsEndAtLineEndsOutsideQuotes) {
+    EXPECT_EQ(ReadAllRows("\xEF\xBB\xBF"
+                          "a,b\r\n\r\n\nc,\"d\ne\"\n,\nlast"),
+              (std::vector<Row>{{"a", "b"}, {"c", "d\ne"}, {"", ""}, {"last"}}));
+    EXPECT_EQ(ReadAllRows(""), std::vector<Row>{});
+    EXPECT_EQ(ReadAllRows("\r\n\n"), std::vector<Row>{});
+}
+
+TEST(CsvText, ARowTellsWhereItStands) {
+    const std::string text = "a,b\r\n\r\n\"c\r\nd\"\r\ne";
+    LCsvReader reader(text);
+    Row row;
+    std::vector<std::string> pieces;
+    while (reader.Next(row)) {
+        pieces.push_back(text.substr(reader.RowStart(), reader.RowEnd() - reader.RowStart()));
+    }
+    EXPECT_EQ(pieces, (Row{"a,b\r\n", "\"c\r\nd\"\r\n", "e"}));
+}
+
+TEST(CsvText, EveryRowComesBackAsItWas) {
+    std::mt19937 random(4180);
+    constexpr std::string_view kBytes = "ab,,\"\"\r\n \t\xC3\xA4;/";
+    std::vector<Row> rows;
+    std::string file;
+    for (int i = 0; i < 3000; ++i) {
+        Row row(1 + random() % 5);
+        for (std::string& field : row) {
+            for (size_t n = random() % 6; n > 0; --n) field += kBytes[random() % kBytes.size()];
+        }
+        const std::string text = FormatCsvRow(row);
+        if (!row.back().empty()) {
+            ASSERT_EQ(ParseCsvRow(text), row) << text;
+        }
+        file += text + "\r\n";
+        rows.push_back(std::move(row));
+    }
+    EXPECT_EQ(ReadAllRows(file), rows);
+}
+
+TEST(CsvText, AnyBytesAreRead) {
+    std::mt19937 random(1);
+    for (int i = 0; i < 5000; ++i) {
+        std::string text(random() % 40, '\0');
+        for (char& byte : text) byte = ",\"\r\n a"[random() % 6];
+        LCsvReader reader(text);
+        size_t end = 0;
+        for (Row row; reader.Next(row); end = reader.RowEnd()) {
+            ASSERT_GE(reader.RowStart(), end);
+            ASSERT_GT(reader.RowEnd(), reader.RowStart());
+        }
+        ParseCsvRow(text);
+    }
+}
+
+}  // namespace

@@ -1,0 +1,122 @@
+// Numbers and quantities as people read and type them.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <random>
+
+#include "tests/datastore/ProfileFormats.h"
+
+namespace {
+
+const std::vector<std::array<std::string, 2>> kSeparators{
+    {".", ","},      {",", "."}, {",", "\u202F"}, {",", "\u00A0"},
+    {".", "\u2019"}, {".", ""},  {",", " "},
+};
+
+TEST(NumberFormats, NumbersAreWrittenWithTheProfilesSymbols) {
+    struct Case {
+        LTestFormats formats;
+        double value;
+        int digits;
+        std::string text;
+    };
+    const Case kCases[] = {
+        {{".", ","}, 1234567.5, 2, "1,234,567.50"},
+        {{",", "\u202F"}, 1234567.5, 1, "1\u202F234\u202F567,5"},
+        {{".", ""}, 1234.0, 0, "1234"},
+        {{".", ","}, 999, 0, "999"},
+        {{".", ","}, 1000, 0, "1,000"},
+        {{".", ","}, -1234.5, 2, "-1,234.50"},
+        {{".", ","}, -0.001, 2, "0.00"},
+        {{".", ","}, -0.0, 0, "0"},
+        {{".", ","}, std::nan(""), 2, "0.00"},
+        {{".", ","}, -std::numeric_limits<double>::infinity(), 0, "0"},
+        {{".", ","}, 1.5, -7, "2"},
+        {{".", ","}, 0.1, 2000000000, "0.100000000000000"},
+        {{"", ""}, 1.5, 1, "1.5"},          // without a decimal symbol it would read as 15
+        {{",", ","}, 1234.5, 1, "1234,5"},  // one symbol for both
+        {{"5", "-"}, 1234.5, 1, "1234.5"},
+    };
+    for (const Case& c : kCases) {
+        EXPECT_EQ(c.formats.FormatNumber(c.value, c.digits, true), c.text);
+    }
+    EXPECT_EQ(LTestFormats(".", ",").FormatNumber(1234567.5, 1, false), "1234567.5");
+    EXPECT_EQ(LTestFormats(".", ",").FormatNumber(1e300, 0, true).size(), 301u + 100u);
+}
+
+TEST(NumberFormats, WhatIsNoNumberIsRefused) {
+    const LTestFormats formats(".", ",");
+    const struct {
+        const char* text;
+        double value;
+    } kGood[] = {
+        {"1,234.50", 1234.5},
+        {"1234.5", 1234.5},
+        {" 12 ", 12},
+        {"-3", -3},
+        {"+3", 3},
+        {".5", 0.5},
+        {"5.", 5},
+        {"0012", 12},
+        {"\u00A07\t", 7},
+        {"1,234,567", 1234567},
+        {"-0", 0},
+    };
+    for (const auto& c : kGood) EXPECT_EQ(formats.ParseNumber(c.text), c.value) << c.text;
+    for (const char* text :
+         {"",        " ",         "abc",        "--5",  "+-5",    "- 5",    "5-",
+          "1e5",     "inf",       "nan",        "0x10", ".",      "-",      "1,2,3.4.5",
+          "1,23",    "12,34,567", "1234,567",   ",123", "1,,234", "1,234,", "1.2.3",
+          "1.234,5", "1 234",     "1\u00A0234", "5 5",  "5%",     "\xFF",   "\u0661"}) {
+        EXPECT_EQ(formats.ParseNumber(text), std::nullopt) << text;
+    }
+    EXPECT_EQ(formats.ParseNumber(std::string("5\0", 2)), std::nullopt);
+    EXPECT_EQ(formats.ParseNumber(std::string(400, '9')), std::nullopt) << "no double holds it";
+    EXPECT_FALSE(std::signbit(*formats.ParseNumber("-0.00")));
+}
+
+TEST(NumberFormats, SeparatorsThatLookAlikeAreTaken) {
+    const LTestFormats french(",", "\u202F");
+    for (const char* text : {"1 234,5", "1\u00A0234,5", "1\u202F234,5", "1\u2009234,5", "1234,5"}) {
+        EXPECT_EQ(french.ParseNumber(text), 1234.5) << text;
+    }
+    EXPECT_EQ(LTestFormats(".", "\u2019").ParseNumber("1'234.5"), 1234.5);
+    EXPECT_EQ(french.ParseNumber("1'234,5"), std::nullopt);
+}
+
+TEST(NumberFormats, MangledSymbolsStillGiveAClearAnswer) {
+    for (const auto& [decimal, thousands] :
+         std::vector<std::array<std::string, 2>>{{",", ","},
+                                                 {"", ""},
+                                                 {",,", ","},
+                                                 {",", ",,"},
+                                                 {" ", " "},
+                                                 {" ", "\u00A0"},
+                                                 {"abcdefghij", "k"},
+                                                 {"-", "+"},
+                                                 {"12", "3"},
+                                                 {"\xE2\x80", "\xE2\x80\xAF"}}) {
+        const LTestFormats formats(decimal, thousands);
+        EXPECT_EQ(formats.ParseNumber("1234567"), 1234567);
+        EXPECT_EQ(formats.ParseNumber(formats.FormatNumber(1234567.25, 2, true)), 1234567.25)
+            << "'" << decimal << "' '" << thousands << "'";
+        EXPECT_EQ(formats.ParseNumber("1,234,567,"), std::nullopt);
+    }
+}
+
+TEST(NumberFormats, WhatIsWrittenReadsBack) {
+    std::mt19937 random(20240229);
+    std::uniform_int_distribution<int64_t> units(-1'000'000'000'000, 1'000'000'000'000);
+    for (const auto& [decimal, thousands] : kSeparators) {
+        const LTestFormats formats(decimal, thousands);
+        for (int i = 0; i < 300; ++i) {
+            const int digits = i % 4;
+            const double value = static_cast<double>(units(random)) / std::pow(10, digits);
+            const std::string text = formats.FormatNumber(value, digits, i % 2 == 0);
+            EXPECT_EQ(formats.ParseNumber(text), value) << text;
+        }
+    }
+}
+
+}  // namespace

@@ -1,0 +1,157 @@
+#include "datastore/UserSettings.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "datastore/LSettingsListTemplate.h"
+#include "datastore/SettingsCipher.h"
+#include "datastore/SharedSettings.h"
+#include "platform/LPreferences.h"
+#include "tests/support/LTempFolder.h"
+
+namespace {
+
+TEST(UserSettings, AreKeptUnderSectionAndName) {
+    const LTempHome home;
+    EXPECT_FALSE(LUserSettingTestExists("WebServer", "Port"));
+    EXPECT_EQ(LUserSettingGetString("WebServer", "Port", "none"), "none");
+    ASSERT_TRUE(LUserSettingSetString("WebServer", "Port", "1097"));
+    ASSERT_TRUE(LUserSettingSetString("A/B/", "c", ""));
+    EXPECT_EQ(PreferencesGet("WebServer/Port"), "1097");
+    EXPECT_EQ(PreferencesGet("A/B/c"), "") << "a section that ends with / gets no second one";
+    EXPECT_TRUE(LUserSettingTestExists("A/B", "c"));
+    EXPECT_EQ(LUserSettingGetString("A/B", "c", "none"), "") << "stored empty is not absent";
+}
+
+TEST(UserSettings, AreCutToTheirLimits) {
+    const LTempHome home;
+    const std::string name(600, 'n');
+    ASSERT_TRUE(LUserSettingSetString("S", name, std::string(300, 'v')));
+    EXPECT_EQ(LUserSettingGetString("S", name, ""), std::string(259, 'v'));
+    EXPECT_EQ(LUserSettingGetString("S", name.substr(0, 517), ""), std::string(259, 'v'));
+    EXPECT_FALSE(LUserSettingTestExists("S", name.substr(0, 516)));
+    EXPECT_EQ(LUserSettingGetString("S", "absent", std::string(300, 'd')), std::string(259, 'd'));
+}
+
+TEST(UserSettings, NumbersAreReadFromText) {
+    const LTempHome home;
+    EXPECT_EQ(LUserSettingGet<int>("Service", "Delay", 1000), 1000);
+    for (const auto& [text, value] : std::vector<std::pair<const char*, int>>{
+             {"", 1000},
+             {"250", 250},
+             {" -7", -7},
+             {"12ms", 12},
+             {"soon", 0},
+             {"99999999999", std::numeric_limits<int>::max()}}) {
+        ASSERT_TRUE(LUserSettingSetString("Service", "Delay", text));
+        EXPECT_EQ(LUserSettingGet<int>("Service", "Delay", 1000), value) << text;
+    }
+}
+
+TEST(UserSettings, DeletingTakesThePasswordToo) {
+    const LTempHome home;
+    ASSERT_TRUE(LUserSettingSetString("Mail", "Login", "plain"));
+    ASSERT_TRUE(LUserSettingSetPassword("Mail", "Login", "secret"));
+    EXPECT_TRUE(LUserSettingDeleteItem("Mail", "Login"));
+    EXPECT_FALSE(LUserSettingTestExists("Mail", "Login"));
+    EXPECT_FALSE(LUserSettingTestExists("Mail", "__Login"));
+    EXPECT_TRUE(LUserSettingDeleteItem("Mail", "Login")) << "nothing left is no failure";
+}
+
+TEST(UserSettings, AStoreThatCannotBeWrittenIsTold) {
+    const LTempHome home;
+    home.WriteFile("config", "");
+    EXPECT_FALSE(LUserSettingSetString("A", "b", "c"));
+    EXPECT_FALSE(LUserSettingSetPassword("A", "b", "c"));
+    EXPECT_EQ(LUserSettingGetString("A", "b", "default"), "default");
+}
+
+TEST(Passwords, AreEncipheredAtRest) {
+    const LTempHome home;
+    const std::string longest(259, 'x');
+    for (const std::string& password : {std::string("s3cret & Ümläut"), std::string(), longest}) {
+        ASSERT_TRUE(LUserSettingSetPassword("Mail", "Password", password));
+        EXPECT_EQ(LUserSettingGetPassword("Mail", "Password", "default"), password);
+        const std::string stored = PreferencesGet("Mail/__Password").value_or("");
+        EXPECT_GE(stored.size(), 38u);
+        EXPECT_EQ(stored.find("s3cret"), std::string::npos);
+        ASSERT_TRUE(LUserSettingSetPassword("Mail", "Password", password));
+        EXPECT_NE(PreferencesGet("Mail/__Password"), stored) << "two of one text look different";
+    }
+}
+
+TEST(Passwords, WhatIsForeignReadsAsTheDefault) {
+    const LTempHome home;
+    EXPECT_EQ(LUserSettingGetPassword("Mail", "Password", "default"), "default");
+    for (const std::string& text : {std::string("plain"), std::string("AAAA"), std::string("===="),
+                                    std::string(40, 'A'), std::string("\xFF\xFF\xFF\xFF")}) {
+        ASSERT_TRUE(PreferencesSet("Mail/__Password", text));
+        EXPECT_EQ(LUserSettingGetPassword("Mail", "Password", "default"), "default") << text;
+    }
+    ASSERT_TRUE(PreferencesSet("Mail/__Password", ""));
+    EXPECT_EQ(LUserSettingGetPassword("Mail", "Password", "default"), "");
+
+    ASSERT_TRUE(LUserSettingSetPassword("Mail", "Password", "secret"));
+    const std::string stored = PreferencesGet("Mail/__Password").value_or("");
+    ASSERT_TRUE(PreferencesSet("Mail/__Other", stored));
+    EXPECT_EQ(LUserSettingGetPassword("Mail", "Other", "default"), "default")
+        << "stored for one setting, moved to another";
+}
+
+TEST(Passwords, EveryChangedByteIsNoticed) {
+    const std::string stored = EncipherSetting("secret", "key").value_or("");
+    ASSERT_EQ(DecipherSetting(stored, "key"), "secret");
+    EXPECT_EQ(DecipherSetting(stored, "kez"), std::nullopt);
+    for (size_t i = 0; i < stored.size(); ++i) {
+        std::string changed = stored;
+        changed[i] = changed[i] == 'A' ? 'B' : 'A';
+        if (stored[i] == '=') continue;  // padding carries no bits
+        // The last letter before padding has bits that stand for nothing.
+        const auto plain = DecipherSetting(changed, "key");
+        EXPECT_TRUE(!plain || (plain == "secret" && stored[i + 1] == '=')) << i;
+        EXPECT_EQ(DecipherSetting(stored.substr(0, i), "key"), std::nullopt) << i;
+    }
+}
+
+template <typename Record>
+class SettingsList : public testing::Test {
+protected:
+    std::vector<int> Numbers() const {
+        std::vector<int> numbers;
+        for (LSettingsListIteratorTemplate<Record> i(list_); i.IsValid(); i.Next()) {
+            numbers.push_back(i.Number());
+        }
+        return numbers;
+    }
+    const LTempHome home_;
+    LSettingsListTemplate<Record> list_{"Printers"};
+};
+using RecordTypes = testing::Types<LUserSettingsRecord, LSharedSettingsRecord>;
+TYPED_TEST_SUITE(SettingsList, RecordTypes);
+
+TYPED_TEST(SettingsList, KeepsNumberedRecords) {
+    EXPECT_EQ(this->Numbers(), std::vector<int>{});
+    for (const int number : {1, 2, 3}) {
+        ASSERT_EQ(this->list_.CreateNewRecord(), number);
+        ASSERT_TRUE(this->list_.Open(number).SetString("Name", "P" + std::to_string(number)));
+    }
+    EXPECT_EQ(this->list_.Open(2).GetString("Name"), "P2");
+    EXPECT_TRUE(this->list_.Delete(2));
+    EXPECT_FALSE(this->list_.Delete(2));
+    EXPECT_EQ(this->list_.Open(2).GetString("Name", "gone"), "gone");
+    EXPECT_EQ(this->Numbers(), (std::vector{1, 3}));
+    EXPECT_EQ(this->list_.CreateNewRecord(), 2) << "a freed number is used again";
+    EXPECT_EQ(this->list_.Open(2).GetString("Name", "new"), "new");
+    EXPECT_EQ(this->list_.Open(3).GetString("Name"), "P3");
+}
+
+TYPED_TEST(SettingsList, MeetsAMangledCount) {
+    ASSERT_EQ(this->list_.CreateNewRecord(), 1);
+    for (const char* count : {"-5", "many", ""}) {
+        ASSERT_TRUE(TypeParam("Printers").SetString("Count", count));
+        EXPECT_EQ(this->Numbers(), std::vector<int>{}) << count;
+    }
+}
+
+}  // namespace
