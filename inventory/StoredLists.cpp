@@ -1,0 +1,32 @@
+#include "inventory/StoredLists.h"
+
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <limits>
+
+#include "datastore/NumberText.h"
+#include "platform/TextLimits.h"
+
+std::string_view TakePiece(std::string_view& element) {
+    const size_t slash = element.find('/');
+    const std::string_view piece = element.substr(0, slash);
+    element.remove_prefix(slash == std::string_view::npos ? element.size() : slash + 1);
+    return CutText(piece);
+}
+
+void AppendStoredNumber(std::string& out, double value, int digits) {
+    // The largest double has 309 digits in front of the point.
+    std::array<char, std::numeric_limits<double>::max_exponent10 + kMaxShownDigits + 8> buffer;
+    if (!std::isfinite(value)) value = 0;
+    const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
+                                      std::chars_format::fixed, HoldDigits(digits));
+    out.append(buffer.data(), result.ptr);
+}
+
+void AppendStoredText(std::string& out, std::string_view text) {
+    for (const char byte : text) {
+        if (byte == '"') out += '"';
+        out += byte;
+    }
+}

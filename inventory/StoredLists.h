@@ -1,0 +1,16 @@
+// Lists that an item keeps inside one field: elements in double quotes, each followed by a comma,
+// the values of an element separated by "/", numbers with "." in every locale. Elements are split
+// by ParseCsvRow, numbers read by ParseStoredReal.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+// Removes the piece in front of the next "/" from `element`, and the "/". All of it when there is
+// none. Cut at 259 bytes.
+std::string_view TakePiece(std::string_view& element);
+
+// With `digits` decimals (held to 0 ... 15). What is no finite number is written as 0.
+void AppendStoredNumber(std::string& out, double value, int digits);
+// The text of a value, so that it is read back: a double quote in it is doubled.
+void AppendStoredText(std::string& out, std::string_view text);
