@@ -1,0 +1,71 @@
+// The two directions of one client's connection: buffered reading, sending within budgets.
+#pragma once
+
+#include <sys/uio.h>
+
+#include <atomic>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "platform/LFileDescriptor.h"
+#include "platform/LSignalObject.h"
+#include "platform/SocketIo.h"
+
+// Belongs to one connection thread. Every wait ends at once when `stop` is set.
+class LWebletConnection {
+public:
+    // `socket` is non-blocking. `stop` and `stopping` outlive the connection.
+    LWebletConnection(LFileDescriptor socket, const LSignalObject& stop,
+                      const std::atomic<bool>& stopping)
+        : socket_(std::move(socket)), stop_(stop), stopping_(stopping) {}
+
+    // Whether the server is ending. Costs nothing, unlike asking the stop signal: a client that
+    // never lets us wait is to be told between two answers too.
+    bool IsStopping() const { return stopping_.load(std::memory_order_relaxed); }
+
+    // Reads up to and with the next line feed into `line`, which then lacks the line feed and a
+    // carriage return before it. kFailed when the line is longer than `maxBytes`, not whole after
+    // `timeoutMs`, or when the client has gone.
+    LSocketResult ReadLine(std::string& line, size_t maxBytes, int timeoutMs);
+    // Appends exactly `size` bytes to `out`; `timeoutMs` is for all of them.
+    LSocketResult ReadExactly(std::string& out, size_t size, int timeoutMs);
+    // Reads at least one byte, at most what `out` takes; `count` tells how many.
+    LSocketResult ReadSome(std::span<char> out, size_t& count, int timeoutMs);
+
+    // Whether the client has sent more than was read so far, as far as this side knows.
+    bool HasUnreadInput() const { return start_ < end_; }
+    // A refusal leaves part of the request unread; the end of the connection then takes care that
+    // the client still gets to read the answer.
+    void SetInputLeft() { inputLeft_ = true; }
+    bool IsInputLeft() const { return inputLeft_; }
+    // The client gets no answer, so its end need not be gentle either.
+    void ForgetInput() {
+        start_ = end_ = 0;
+        inputLeft_ = false;
+    }
+
+    // Sends all of `text`; `budgetMs` counts from the first time that the client cannot keep up.
+    LSocketResult ProcessSend(std::string_view text, int budgetMs);
+    // Sends the pieces with as few calls as possible, each with its own budget. They are used up.
+    LSocketResult SendPieces(std::span<iovec> pieces, int pieceBudgetMs);
+
+    // Sends the end and closes.
+    void Close();
+
+private:
+    class LBudget;
+    LSocketResult Fill(LBudget& budget);
+    LSocketResult WaitForInput(LBudget& budget);
+    void Linger();
+
+    LFileDescriptor socket_;
+    const LSignalObject& stop_;
+    const std::atomic<bool>& stopping_;
+    // On the heap and only while there is something in it: thousands of connections wait.
+    std::unique_ptr<char[]> buffer_;
+    size_t start_ = 0, end_ = 0;  // what was received and not yet read
+    bool inputLeft_ = false;
+    bool hasAnswered_ = false;  // and not waited since
+};
