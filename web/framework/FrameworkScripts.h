@@ -1,0 +1,5 @@
+// The page names that the framework itself answers.
+#pragma once
+
+// Installs "saveItemDialogTab". Before the server installs its table.
+void InstallFrameworkScripts();

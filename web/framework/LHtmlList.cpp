@@ -1,0 +1,257 @@
+#include "web/framework/LHtmlList.h"
+
+#include <algorithm>
+#include <charconv>
+#include <string>
+
+#include "platform/CaseFolding.h"
+#include "web/framework/LPageWriter.h"
+
+namespace {
+
+std::string_view AlignName(LCellAlign align) {
+    switch (align) {
+        case LCellAlign::kCenter:
+            return "center";
+        case LCellAlign::kRight:
+            return "right";
+        default:
+            return "left";
+    }
+}
+
+// While a long table arrives, only what lists.js will show first is laid out: laying out all of it
+// again and again takes browsers many seconds.
+constexpr std::string_view kHideWhileLoading =
+    "<style type='text/css'>.scripted .hlwrap:not([data-ready]):not([data-plain]) "
+    "tbody tr:nth-child(n+101) { display: none }</style>";
+
+bool NeedsNoEscape(char byte) {
+    return byte != '&' && byte != '<' && byte != '>' && byte != '"' && byte != '\'';
+}
+
+// Nearly every cell is plain text, and a long list has hundreds of thousands of them.
+void AppendEscaped(std::string& out, std::string_view text) {
+    if (std::all_of(text.begin(), text.end(), NeedsNoEscape)) {
+        out += text;
+        return;
+    }
+    const LFormatArgument argument(text);
+    AppendFormatted(out, "%H", {&argument, 1});
+}
+
+// Whole texts only: "12 mm" is a text.
+bool ReadNumber(std::string_view text, double& value) {
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    return error == std::errc() && end == text.data() + text.size() && value == value;
+}
+
+}  // namespace
+
+LHtmlListRow::LHtmlListRow(const LHtmlList& list) : list_(&list) { html_.reserve(list.rowBytes_); }
+
+void LHtmlListRow::StartCell(std::string_view order) {
+    if (column_ < list_->columns_.size()) {
+        html_ += list_->columns_[column_].cellStart;
+    } else {
+        html_ += "<td align=left class=hltd";
+    }
+    if (!order.empty()) {
+        html_ += " data-order='";
+        AppendEscaped(html_, order);
+        html_ += '\'';
+    }
+    if (span_ > 1) html_ += FormatText(" colspan=%lu", span_);
+    html_ += '>';
+}
+
+void LHtmlListRow::EndCell() {
+    html_ += "</td>";
+    column_ += span_;
+    span_ = 1;
+}
+
+void LHtmlListRow::KeepKey(std::string_view key) {
+    if (static_cast<int>(column_) != list_->sortColumn_) return;
+    keyIsNumber_ = ReadNumber(key, keyNumber_);
+    if (!keyIsNumber_) key_ = FoldCase(key);
+}
+
+LHtmlListRow& LHtmlListRow::AddCell(std::string_view text) {
+    KeepKey(text);
+    StartCell({});
+    AppendEscaped(html_, text);
+    EndCell();
+    return *this;
+}
+
+LHtmlListRow& LHtmlListRow::AddCellWithOrder(std::string_view text, std::string_view order) {
+    KeepKey(order);
+    StartCell(order);
+    AppendEscaped(html_, text);
+    EndCell();
+    return *this;
+}
+
+LHtmlListRow& LHtmlListRow::AddCellWithOrder(std::string_view text, double order) {
+    std::array<char, 32> digits;
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), order).ptr;
+    return AddCellWithOrder(text, std::string_view(digits.data(), end));
+}
+
+LHtmlListRow& LHtmlListRow::AddCellHtml(std::string_view html, std::string_view order) {
+    KeepKey(order);
+    StartCell(order);
+    html_ += html;
+    EndCell();
+    return *this;
+}
+
+LHtmlListRow& LHtmlListRow::AddCellLink(std::string_view target, std::string_view text) {
+    KeepKey(text);
+    StartCell({});
+    html_ += "<a href='";
+    AppendEscaped(html_, target);
+    html_ += "'>";
+    AppendEscaped(html_, text);
+    html_ += "</a>";
+    EndCell();
+    return *this;
+}
+
+LHtmlListRow& LHtmlListRow::AddCellImageLink(std::string_view target, std::string_view image,
+                                             std::string_view name) {
+    return AddCellPrintF("<a href='%H' title='%H'><img src='%H' alt='%H' border=0></a>", target,
+                         name, image, name);
+}
+
+LHtmlListRow& LHtmlListRow::AddCellPullDownList(int id, std::span<const std::string> texts,
+                                                std::string_view selected, std::string_view name) {
+    KeepKey(selected);
+    StartCell(selected);
+    html_ += FormatText("<select id=%d name=%d aria-label='%H'>", id, id, name);
+    for (const std::string& text : texts) {
+        html_ += FormatText("<option%s>%H</option>", text == selected ? " selected" : "", text);
+    }
+    html_ += "</select>";
+    EndCell();
+    return *this;
+}
+
+LHtmlListRow& LHtmlListRow::SpanNext(size_t count) {
+    span_ = std::max<size_t>(count, 1);
+    return *this;
+}
+
+LHtmlListRow& LHtmlListRow::SetClass(std::string_view name) {
+    class_ = name;
+    return *this;
+}
+
+void LHtmlListRow::Clear() {
+    html_.clear();
+    key_.clear();
+    class_.clear();
+    keyIsNumber_ = false;
+    column_ = 0;
+    span_ = 1;
+}
+
+bool LHtmlListRow::operator<(const LHtmlListRow& other) const {
+    if (keyIsNumber_ != other.keyIsNumber_) return keyIsNumber_;
+    return keyIsNumber_ ? keyNumber_ < other.keyNumber_ : key_ < other.key_;
+}
+
+void LHtmlList::SetColumns(std::span<const LHtmlListColumn> columns) {
+    columns_.clear();
+    for (const LHtmlListColumn& column : columns) AddColumn(column, LTitleKind::kText);
+}
+
+void LHtmlList::AddColumn(const LHtmlListColumn& column, LTitleKind kind) {
+    LColumn& added = columns_.emplace_back();
+    added.column = column;
+    added.title = kind == LTitleKind::kText ? EscapeHtml(column.title) : std::string(column.title);
+    added.cellStart = FormatText("<td align=%s class=hltd%s", AlignName(column.align),
+                                 column.hidden ? " style='display:none'" : "");
+}
+
+LHtmlListRow& LHtmlList::StartRow() {
+    if (!rows_.empty()) LearnSize(rows_.back());
+    return rows_.emplace_back(*this);
+}
+
+void LHtmlList::Add(LHtmlListRow row) {
+    LearnSize(row);
+    rows_.push_back(std::move(row));
+}
+
+void LHtmlList::AddOrdered(LHtmlListRow row) {
+    ordered_ = true;
+    Add(std::move(row));
+}
+
+void LHtmlList::LearnSize(const LHtmlListRow& row) {
+    rowBytes_ = std::max(rowBytes_, row.html_.size());
+}
+
+void LHtmlList::SetSort(size_t column, bool ascending) {
+    sortColumn_ = static_cast<int>(column);
+    ascending_ = ascending;
+}
+
+void LHtmlList::Print(LPageWriter& out) {
+    std::vector<const LHtmlListRow*> order;
+    order.reserve(rows_.size());
+    for (const LHtmlListRow& row : rows_) order.push_back(&row);
+    if (ordered_) {
+        std::stable_sort(order.begin(), order.end(),
+                         [this](const LHtmlListRow* left, const LHtmlListRow* right) {
+                             return ascending_ ? *left < *right : *right < *left;
+                         });
+    }
+    PrintStart(out);
+    for (const LHtmlListRow* row : order) PrintRow(out, *row);
+    PrintEnd(out);
+}
+
+void LHtmlList::PrintTitle(LPageWriter& out, size_t index) const {
+    const LHtmlListColumn& column = columns_[index].column;
+    out.Printf("<th scope=col align=%s", AlignName(column.align));
+    if (column.widthPercent > 0) out.Printf(" width='%d%%'", column.widthPercent);
+    if (column.hidden) out.Write(" style='display:none'");
+    if (column.sortable) out.Write(" data-sortable=1");
+    if (static_cast<int>(index) == sortColumn_) {
+        out.Printf(" aria-sort=%s", ascending_ ? "ascending" : "descending");
+    }
+    out.Printf(">%s</th>", columns_[index].title);
+}
+
+void LHtmlList::PrintStart(LPageWriter& out) {
+    printedRows_ = 0;
+    out.Write(kHideWhileLoading);
+    out.Printf("<div class=hlwrap data-name='%H'%s>", name_, plain_ ? " data-plain=1" : "");
+    out.Printf("<table style='width:%d%%' class='hltbl'%s%s>", widthPercent_,
+               id_ != 0 ? FormatText(" id=%d", id_) : "",
+               sortColumn_ >= 0
+                   ? FormatText(" data-sortcolumn=%d data-asc=%d", sortColumn_, ascending_)
+                   : "");
+    out.Write("<thead><tr style='height:25px' class=hlhtr>");
+    for (size_t index = 0; index < columns_.size(); ++index) PrintTitle(out, index);
+    out.Write("</tr></thead><tbody>");
+}
+
+void LHtmlList::PrintRow(LPageWriter& out, const LHtmlListRow& row) {
+    ++printedRows_;
+    if (row.class_.empty()) {
+        out.Write("<tr>");
+    } else {
+        out.Printf("<tr class='%H'>", row.class_);
+    }
+    out.Write(row.html_).Write("</tr>\n");
+}
+
+void LHtmlList::PrintEnd(LPageWriter& out) {
+    out.Write("</tbody></table>");
+    if (printedRows_ == 0) out.Printf("<div class=empty>%H</div>", emptyText_);
+    out.Write("</div><script type='text/javascript' src='lists.js'></script>");
+}
