@@ -1,0 +1,24 @@
+// The installer role: first set-up of a business without a screen.
+#pragma once
+
+#include <istream>
+#include <ostream>
+#include <string>
+#include <vector>
+
+inline constexpr char kDefaultAdministrator[] = "owner@example.com";
+inline constexpr char kDefaultBusinessName[] = "My Business";
+
+// Understands
+//   --business NAME    names the default business
+//   --admin EMAIL      makes this account, or makes it an enabled administrator
+//   --password-stdin   takes that account's password from the first line of `in`; without it a new
+//                      account gets a generated one, printed once
+//   --port N           the web port, 1 to 65535
+//   --web on|off       whether the service serves the web pages
+//   --sample           fills an empty business with a small hardware shop
+// Nothing is changed before all options have been understood. The first run names the business and
+// makes an administrator in any case; a later one changes only what it is told to. What was done
+// goes to `out`. Returns 0, or 1 after one line on `error`.
+int LInstallerMain(const std::vector<std::string>& options, std::istream& in, std::ostream& out,
+                   std::ostream& error);

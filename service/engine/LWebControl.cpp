@@ -1,0 +1,114 @@
+#include "service/engine/LWebControl.h"
+
+#include <string_view>
+
+#include "web/accounts/AccountPages.h"
+#include "web/accounts/AccountScripts.h"
+#include "web/accounts/LogonPages.h"
+#include "web/framework/FrameworkScripts.h"
+#include "web/framework/RunPage.h"
+#include "web/pages/CategoryPages.h"
+#include "web/pages/CustomerPages.h"
+#include "web/pages/HistoryPages.h"
+#include "web/pages/ItemActions.h"
+#include "web/pages/ItemDialogs.h"
+#include "web/pages/ItemListPage.h"
+#include "web/pages/LocationPages.h"
+#include "web/pages/MainPage.h"
+#include "web/pages/MovementDialog.h"
+#include "web/pages/SupplierPages.h"
+#include "web/server/LWebletScripts.h"
+
+namespace {
+
+struct LWebScript {
+    std::string_view name;
+    LWebletScript script;
+};
+
+// Names whose pages this version does not have yet.
+void WLNotBuilt(LWebletForm& form) { WLNotBuiltYet(form); }
+
+// Every page of the program, in the order of installation. Names are part of what links, bookmarks
+// and partner programs rely on, capitals and odd spellings included. Of a name that the modules
+// below installed before, the row here wins.
+constexpr LWebScript WebScriptArray[] = {
+    {"", WLWebPageRun<InvMainPage>},
+    {"logon", WLWebDialogRun<LAppWebAccountLogonPage>},
+    {"logoff", WLLogout},
+    {"main", WLWebPageRun<InvMainPage>},
+    {"userlist", WLWebPageRun<LAppWebAccountsPage>},
+    {"userprop", WLWebDialogRun<LAppWebAccountDialog>},
+    {"userdelete", WLUserDelete},
+    {"itemlist", WLWebPageRun<LAppWebItemsPage>},
+    {"itemreceivelist", WLWebPageRun<LAppWebItemReceiveListPage>},
+    {"itemselllist", WLWebPageRun<LAppWebItemSellListPage>},
+    {"checkcat", WLCatAdd},
+    {"itemprop", WLWebDialogRun<LAppWebItemDialog>},
+    {"itemtransfer", WLNotBuilt},
+    {"itempurchasesell", WLWebDialogRun<LAppWebItemPurchaseSellDialog>},
+    {"itemdelete", WLItemDelete},
+    {"catlist", WLWebPageRun<LAppWebCatPage>},
+    {"catprop", WLWebDialogRun<LAppWebCatDialog>},
+    {"catdelete", WLCatDelete},
+    {"transferlist", WLNotBuilt},
+    {"transferview", WLNotBuilt},
+    {"transfernote", WLNotBuilt},
+    {"transfersend", WLNotBuilt},
+    {"transferreceive", WLNotBuilt},
+    {"transfercancel", WLNotBuilt},
+    {"generateTransferPDF", WLNotBuilt},
+    {"supplierlist", WLWebPageRun<LAppWebSupplierPage>},
+    {"supplierprop", WLWebDialogRun<LAppWebSupplierDialog>},
+    {"supplierdelete", WLSupplierDelete},
+    {"customerlist", WLWebPageRun<LAppWebCustomerPage>},
+    {"customerprop", WLWebDialogRun<LAppWebCustomerDialog>},
+    {"customerdelete", WLCustomerDelete},
+    {"customerotherprop", WLNotBuilt},
+    {"loclist", WLWebPageRun<LAppWebLocPage>},
+    {"locprop", WLWebDialogRun<LAppWebLocDialog>},
+    {"locdelete", WLLocDelete},
+    {"reports", WLNotBuilt},
+    {"generatereport", WLNotBuilt},
+    {"reportlowlevel", WLNotBuilt},
+    {"reportbackorder", WLNotBuilt},
+    {"reportlocation", WLNotBuilt},
+    {"reportcatimage", WLNotBuilt},
+    {"reportsupplier", WLNotBuilt},
+    {"reportsales", WLNotBuilt},
+    {"chooseprofile", WLWebDialogRun<LWebSelectProfileDialog>},
+    {"getsubcate", VWAJAXGetSubCate},
+    {"orderlist", WLNotBuilt},
+    {"orderprop", WLNotBuilt},
+    {"orderdelete", WLNotBuilt},
+    {"orderreceive", WLNotBuilt},
+    {"orderreturn", WLNotBuilt},
+    {"orderregitems", WLNotBuilt},
+    {"orderschedule", WLNotBuilt},
+    {"itemonorderlist", WLNotBuilt},
+    {"runrecurringorder", WLNotBuilt},
+    {"ocbtaxtselchange", WLNotBuilt},
+    {"orderchangeloc", WLNotBuilt},
+    {"orderlowstockitems", WLNotBuilt},
+    {"iteminventoryprop", WLWebDialogRun<LAppWebItemInventoryDialog>},
+    {"itembomprop", WLNotBuilt},
+    {"reportredirect", WLNotBuilt},
+    {"generatesuppreport", WLNotBuilt},
+    {"generateloccatreport", WLNotBuilt},
+    {"generateimagecat", WLNotBuilt},
+    {"generatesales", WLNotBuilt},
+    {"generateOrderPDF", WLNotBuilt},
+    {"ratechanged", WLNotBuilt},
+    {"link-quantitychange", WLNotBuilt},
+    {"link-sync", WLNotBuilt},
+    {"link-locreq", WLNotBuilt},
+};
+
+}  // namespace
+
+void LWebControl::StartServer() {
+    InstallAccountScripts();
+    InstallFrameworkScripts();
+    for (const LWebScript& row : WebScriptArray) LWebletInstallScript(row.name, row.script);
+    LWebletServer::StartServer();
+}

@@ -1,0 +1,24 @@
+// What the background service runs: the web server and the work that goes on beside it.
+#pragma once
+
+#include <cstdint>
+
+#include "platform/LThread.h"
+#include "service/engine/LWebControl.h"
+
+// Used on the service's main thread only.
+class MainEngine {
+public:
+    void Start();
+    void Stop();
+    // Code 1 restarts the web server, which then serves by the settings as they are; any other
+    // code is ignored.
+    void Control(uint32_t code, const void* data, uint32_t size);
+
+private:
+    void CtlRestart();
+    void StopWebServer();
+
+    LWebControl webControl_;
+    LDetachedThreadGroup workers_;
+};
