@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <string>
 
 #include "platform/CaseFolding.h"
@@ -43,7 +44,7 @@ void AppendEscaped(std::string& out, std::string_view text) {
 // Whole texts only: "12 mm" is a text.
 bool ReadNumber(std::string_view text, double& value) {
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    return error == std::errc() && end == text.data() + text.size() && value == value;
+    return error == std::errc() && end == text.data() + text.size() && std::isfinite(value);
 }
 
 }  // namespace

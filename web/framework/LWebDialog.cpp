@@ -52,8 +52,9 @@ void LWebDialog::Run() {
     if (!Authenticate() || SendAJAXCommands()) return;
     std::string pressed = Form().Parameter("submit");
     if (pressed.empty()) pressed = Form().Parameter("submitdef");
-    // A link on another site can carry a pressed button; what it gets is the form, not the deed.
-    if (pressed.empty() || Form().IsFromOtherSite()) {
+    // A link can carry a pressed button, also one on another site; what it gets is the form, not
+    // the deed. Posts of other sites are refused by the server: browsers name the origin of a post.
+    if (pressed.empty() || !Form().IsPost() || Form().IsFromOtherSite()) {
         RunFirstDisplay();
     } else {
         RunSubmit(pressed);
@@ -74,9 +75,22 @@ void LWebDialog::RunFirstDisplay() {
     PrintFooter();
 }
 
+// Whatever goes wrong in a command, the person is told and the buttons come back; the connection
+// thread then logs it.
 void LWebDialog::RunSubmit(const std::string& pressed) {
     inSubmit_ = true;
     Out().Write(kScriptHead);
+    try {
+        AnswerSubmit(pressed);
+    } catch (...) {
+        if (!answered_) PopupBoxError("This could not be done. Please try again.");
+        Out().Flush();
+        throw;
+    }
+    Out().Flush();
+}
+
+void LWebDialog::AnswerSubmit(const std::string& pressed) {
     if (!Prepare()) {
         if (!answered_) AnswerScript("%s", kEnableSubmits);
     } else if (!okLabel_.empty() && pressed == okLabel_) {
@@ -87,7 +101,6 @@ void LWebDialog::RunSubmit(const std::string& pressed) {
     } else {
         RunSpecial(pressed);
     }
-    Out().Flush();
 }
 
 void LWebDialog::RunSpecial(const std::string& pressed) {
@@ -169,9 +182,11 @@ void LWebDialog::PopupControlDataInvalid(int id, std::string_view message) {
         "    control.setAttribute('aria-invalid', 'true');\n"
         "    control.setAttribute('aria-errormessage', 'invalidText');\n"
         "    control.focus();\n"
+        "} else {\n"
+        "    LTell('%s');\n"
         "}\n"
         "window.scroll(0,0);\n",
-        kRemoveEarlierError, id, EscapeScript(LinesToHtml(message)));
+        kRemoveEarlierError, id, EscapeScript(LinesToHtml(message)), EscapeScript(message));
 }
 
 void LWebDialog::PopupBoxError(std::string_view message) {

@@ -123,6 +123,7 @@ protected:
 private:
     void RunFirstDisplay();
     void RunSubmit(const std::string& pressed);
+    void AnswerSubmit(const std::string& pressed);
     void RunSpecial(const std::string& pressed);
     void RunCommand(const std::function<bool()>& command, const std::string& target);
     bool TakeToken();

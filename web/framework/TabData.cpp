@@ -56,15 +56,13 @@ void StoreTab(LWebletSessionData& session, const std::string& tabName, const std
 
 void AJAXSaveTempTabData(LWebletForm& form) {
     if (!WLValidateSession(form)) return;
-    LPageWriter out(form);
-    out.Write(kScriptHead);
     const std::string tabName = form.Parameter("tabName");
     const std::string fields = EnteredFields(form);
-    if (!IsTabName(tabName) || fields.size() > kMaxTabBytes) {
-        out.Write("LTell('What you entered on this tab is too long to be kept.');\n");
-        return;
-    }
-    StoreTab(form.Session(), tabName, fields);
+    const bool isKept = form.IsPost() && IsTabName(tabName) && fields.size() <= kMaxTabBytes;
+    if (isKept) StoreTab(form.Session(), tabName, fields);
+    LPageWriter out(form);
+    out.Write(kScriptHead);
+    if (!isKept) out.Write("LTell('What you entered on this tab is too long to be kept.');\n");
 }
 
 std::optional<LHashTable> ReadTabData(LWebletForm& form, std::string_view tabName) {

@@ -5,8 +5,7 @@
 
 (function() {
     const kRowsPerPage = 100;
-    const kNumber = /^[-+]?(\d+\.?\d*|\.\d+)(e[-+]?\d+)?$/i;
-    const collator = new Intl.Collator(undefined, {numeric: true, sensitivity: 'base'});
+    const kNumber = /^-?(\d+\.?\d*|\.\d+)(e[-+]?\d+)?$/i;
 
     function element(tag, properties, children) {
         const made = Object.assign(document.createElement(tag), properties);
@@ -24,14 +23,14 @@
         const cell = row.cells[column];
         if (!cell) return '';
         const text = cell.dataset.order !== undefined ? cell.dataset.order : cell.textContent.trim();
-        return kNumber.test(text) ? Number(text) : text;
+        return kNumber.test(text) ? Number(text) : text.toLowerCase();
     }
 
-    // Numbers come before texts.
+    // The server's order: numbers by value and before texts, texts ignoring case.
     function compareKeys(left, right) {
         const leftIsNumber = typeof left === 'number';
         if (leftIsNumber !== (typeof right === 'number')) return leftIsNumber ? -1 : 1;
-        return leftIsNumber ? left - right : collator.compare(left, right);
+        return left < right ? -1 : left > right ? 1 : 0;
     }
 
     class LList {

@@ -1,6 +1,7 @@
 #include "web/framework/LWebDialog.h"
 
 #include <atomic>
+#include <stdexcept>
 
 #include "tests/web/framework/FrameworkFixture.h"
 #include "web/framework/LHtmlList.h"
@@ -59,6 +60,7 @@ protected:
             return false;
         }
         if (GetText(kName) == "mute") return false;
+        if (GetText(kName) == "broken") throw std::runtime_error("broken");
         ++saves;
         if (GetText(kName) == "elsewhere") Redirect("a'b");
         return true;
@@ -218,11 +220,18 @@ TEST_F(LWebDialogs, NoTargetLeadsOutOfThisServerOrIntoScript) {
     EXPECT_FALSE(page.Has("'><script>"));
 }
 
-TEST_F(LWebDialogs, AButtonPressedByAnotherSitesLinkOnlyShowsTheForm) {
+// Browsers tell where a post comes from, but for a plain address of the local network not where a
+// link does.
+TEST_F(LWebDialogs, AButtonPressedByALinkOnlyShowsTheForm) {
     LTestBrowser browser = LoggedOn();
-    browser.headers = "Sec-Fetch-Site: cross-site\r\n";
     EXPECT_TRUE(browser.Get("thing?101=x&submit=++OK++").Has("<form id=dialogform"));
     EXPECT_EQ(saves, 0);
+}
+
+TEST_F(LWebDialogs, ABrokenCommandIsToldAndTheButtonsComeBack) {
+    const LTestAnswer answer = LoggedOn().Submit("thing", {{"101", "broken"}});
+    EXPECT_TRUE(answer.Has("DisableSubmits(false);"));
+    EXPECT_TRUE(answer.Has("This could not be done. Please try again."));
 }
 
 TEST_F(LWebDialogs, WhatIsGoneRedirectsInTheWayOfTheRequest) {
