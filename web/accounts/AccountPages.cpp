@@ -31,6 +31,12 @@ constexpr std::string_view kUnchangedPassword =
 
 std::string_view YesNo(bool yes) { return yes ? "Yes" : "No"; }
 
+void AddAction(LHtmlListRow& row, std::string_view page, std::string_view caption,
+               std::string_view email) {
+    row.AddCellPrintF("<a href='%H' aria-label='%H %H'>%H</a>", WLMakeLink(page, {{"id", email}}),
+                      caption, email, caption);
+}
+
 }  // namespace
 
 bool IsPasswordLongEnough(std::string_view password) {
@@ -55,13 +61,12 @@ void LAppWebAccountsPage::PrintBody() {
     list.SetName("Accounts");
     LAppWebAccountList().ForEach([&list](const LAppWebAccount& account) {
         const std::string& email = account.Email();
-        list.AddOrdered(list.MakeRow()
-                            .AddCell(account.GetString("DisplayName"))
-                            .AddCell(email)
-                            .AddCell(YesNo(account.IsAdministrator()))
-                            .AddCell(YesNo(account.IsEnabled()))
-                            .AddCellLink(WLMakeLink("userprop", {{"id", email}}), "Edit")
-                            .AddCellLink(WLMakeLink("userdelete", {{"id", email}}), "Delete"));
+        LHtmlListRow row = list.MakeRow();
+        row.AddCell(account.GetString("DisplayName")).AddCell(email);
+        row.AddCell(YesNo(account.IsAdministrator())).AddCell(YesNo(account.IsEnabled()));
+        AddAction(row, "userprop", "Edit", email);
+        AddAction(row, "userdelete", "Delete", email);
+        list.AddOrdered(std::move(row));
         return true;
     });
     list.Print(Out());
@@ -125,7 +130,7 @@ void LAppWebAccountDialog::GenerateRights() {
 }
 
 bool LAppWebAccountDialog::CmOk() {
-    const std::string name = GetTextAndTrim(kName);
+    const std::string name(CutText(GetTextAndTrim(kName)));
     if (name.empty()) {
         PopupControlDataInvalid(kName, "Please enter a name for the user.");
         return false;

@@ -15,6 +15,8 @@ LAccountRole LAppWebAccount::Role() const {
             return LAccountRole::kAdministrator;
         case 2:
             return LAccountRole::kUser;
+        case 0:  // none stored: the older mark alone tells
+            return IsAdministrator() ? LAccountRole::kAdministrator : LAccountRole::kViewer;
         default:
             return LAccountRole::kViewer;
     }
@@ -43,10 +45,13 @@ void LAppWebAccount::SetProfileIds(const std::vector<int>& numbers) {
 }
 
 std::vector<std::string> LAppWebAccount::AllowedBusinessNames() const {
+    const std::vector<LBusiness> listed = ListBusinesses();  // without those marked deleted
     std::vector<std::string> names;
     for (const int number : ProfileIds()) {
-        std::string name = GetBusinessName(number);
-        if (!name.empty()) names.push_back(std::move(name));
+        const auto business =
+            std::find_if(listed.begin(), listed.end(),
+                         [number](const LBusiness& each) { return each.number == number; });
+        if (business != listed.end() && !business->name.empty()) names.push_back(business->name);
     }
     return names;
 }

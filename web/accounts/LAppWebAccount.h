@@ -15,7 +15,8 @@ public:
     const std::string& Email() const { return GetPrimaryKey(); }
     bool IsEnabled() const { return GetBool("Enabled", false); }
     bool IsAdministrator() const { return GetBool("Administrator", false); }
-    // A number that is none of the three counts as kViewer, which can change nothing.
+    // An administrator's account without a role counts as kAdministrator, any other number that is
+    // none of the three as kViewer, which can change nothing.
     LAccountRole Role() const;
     void SetRole(LAccountRole role);  // "Administrator" follows
 

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "platform/TextLimits.h"
+
 namespace {
 constexpr int kMostFailures = 1000000;  // a count that nobody needs to know more exactly
 }
@@ -12,7 +14,8 @@ LLogonResult LWebAccount::ValidateLogon(std::string_view password, std::time_t n
     const bool inWindow = now - lastFailure < kLogonLockSeconds;
     if (inWindow && failures > kLogonFailuresAllowed) return LLogonResult::kLocked;
 
-    if (!EqualInConstantTime(GetView("Password"), password)) {
+    // Both are held to the length that a stored text has.
+    if (!EqualInConstantTime(CutText(GetView("Password")), CutText(password))) {
         SetInt("LogonFailures", inWindow ? failures + 1 : 1);
         SetInt64("LogonFailTime", now);
         return LLogonResult::kWrongPassword;

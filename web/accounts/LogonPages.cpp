@@ -62,6 +62,10 @@ bool LAppWebAccountLogonPage::CmOk() {
         return Refuse(kEmail, kNoBusinesses);
     }
     Form().Session().CreateNewSession(GetCheck(kRemember));
+    if (!Form().Session().IsLoaded()) {
+        PopupBoxError("The server could not keep your session. Please try again later.");
+        return false;
+    }
     Form().Session().SetString("user", email);
     AnswerLoggedOn(OpenLastBusiness(account) ? "main" : "chooseprofile");
     return true;
@@ -140,6 +144,7 @@ bool LWebSelectProfileDialog::CmOk() {
 
 void WLLogout(LWebletForm& form) {
     if (!WLValidateSession(form)) return;
+    if (form.IsFromOtherSite()) return WLRedirect(form, "main");
     LServiceLog(FormatText("Web user \"%s\" logged out.", form.Session().GetString("user")));
     form.Session().Destroy();
     WLMessagePage(form, "Logoff",

@@ -27,6 +27,14 @@ bool AuthenticateEx(LWebletForm& form) {
     return passes || TurnAway(form);
 }
 
+bool AuthenticateAction(LWebletForm& form) {
+    if (!WLValidateSession(form)) return false;
+    LAppWebAccount account;
+    const bool passes = OpenSignedInAccount(form, account) &&
+                        account.MayOpenBusiness(form.Profile().BusinessName());
+    return passes || TurnAway(form);
+}
+
 bool AuthenticateAccount(LWebletForm& form) {
     LAppWebAccount account;
     return (OpenSignedInAccount(form, account) && account.IsEnabled()) || TurnAway(form);

@@ -15,8 +15,10 @@
 // does.
 [[nodiscard]] bool AuthenticateAccount(LWebletForm& form);
 
-// For AJAX calls and action handlers: WLValidateSession (StandardPages.h) only asks for a session,
-// deliberately: an account disabled meanwhile is met at the next page.
+// For AJAX calls and action handlers: a session and a business that the account may open. Whether
+// the account is still enabled is deliberately not asked: one disabled meanwhile is met at the next
+// page. Answers as WLValidateSession and AuthenticateEx do.
+[[nodiscard]] bool AuthenticateAction(LWebletForm& form);
 
 // The signed-in account; unbound when there is none.
 bool OpenSignedInAccount(LWebletForm& form, LAppWebAccount& account);

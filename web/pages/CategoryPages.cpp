@@ -118,12 +118,13 @@ bool LAppWebCatDialog::TakeSubCategories(LCategoryInput& input) {
 void WLCatDelete(LWebletForm& form) { WLMasterDelete(form, "catlist", LCategoriesDelete); }
 
 void WLCatAdd(LWebletForm& form) {
-    if (!WLValidateSession(form)) return;
+    if (!AuthenticateAction(form)) return;
     LCategoryInput input;
     input.name = form.Parameter("name");
     LCategory category;
     std::string answer = input.name;
-    if (WLMayChange(form) && !OpenCategory(LCategoryList(form.Profile()), category, input.name)) {
+    if (form.IsPost() && WLMayChange(form) &&
+        !OpenCategory(LCategoryList(form.Profile()), category, input.name)) {
         const auto error = LCategorySave(form.Profile(), category, input);
         if (!error.IsNone()) answer = error.message;
     }
@@ -131,7 +132,7 @@ void WLCatAdd(LWebletForm& form) {
 }
 
 void VWAJAXGetSubCate(LWebletForm& form) {
-    if (!WLValidateSession(form)) return;
+    if (!AuthenticateAction(form)) return;
     LCategory category;
     std::vector<std::string> names;
     if (OpenCategory(LCategoryList(form.Profile()), category, form.Parameter("name"))) {

@@ -6,7 +6,7 @@
 #include "web/framework/LWebUserInterface.h"
 
 void WLItemDelete(LWebletForm& form) {
-    if (!WLValidateSession(form)) return;
+    if (!AuthenticateAction(form)) return;
     LItem item;
     if (!WLMayChange(form) || !form.Profile().Items().Open(item, form.Parameter("id"))) {
         return WLRedirect(form, "itemlist");  // a viewer, or another tab was quicker

@@ -38,7 +38,7 @@ void LMasterList::Print() {
 }
 
 void WLMasterDelete(LWebletForm& form, std::string_view listPage, LMasterDelete operation) {
-    if (!WLValidateSession(form)) return;
+    if (!AuthenticateAction(form)) return;
     if (!WLMayChange(form)) return WLRedirect(form, listPage);
     LWebUserInterface ui(form);
     operation(ui, form.Profile(), {form.Parameter("id")});

@@ -26,7 +26,6 @@ public:
     LHashTable& Parameters() { return parameters_; }
     const LHashTable& Parameters() const { return parameters_; }
     std::string Parameter(std::string_view name) const { return parameters_.GetString(name); }
-    bool IsConfirmed() const { return Parameter("confirmed") == "1"; }
 
     // Header names in lower case; the last of a repeated header.
     LHashTable& Headers() { return headers_; }

@@ -64,7 +64,12 @@ LFileDescriptor LWebletServerListener::Listen() {
     SetOption(listening.Get(), SOL_SOCKET, SO_REUSEADDR, 1);
     SetOption(listening.Get(), IPPROTO_TCP, TCP_NODELAY, 1);
     if (!Bind(listening.Get()) || ::listen(listening.Get(), kBacklog) != 0) {
-        if (errno == EADDRINUSE) BindConflict();
+        if (errno == EADDRINUSE) {
+            BindConflict();
+        } else {
+            LServiceLog(std::string("Webserver cannot listen: ") + std::strerror(errno), {},
+                        kLogError);
+        }
         listening.Close();
         return listening;
     }

@@ -116,6 +116,8 @@ void LWebletSessionData::CreateNewSession(bool remember) {
         if (errno != EEXIST) break;
     }
     LogFailure("cannot make a session file");
+    LetGo();
+    id_.clear();
 }
 
 void LWebletSessionData::Destroy() {

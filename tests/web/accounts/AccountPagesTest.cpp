@@ -38,8 +38,8 @@ TEST_F(AccountPages, TheListShowsEveryAccountAndNoPassword) {
         EXPECT_TRUE(page.Has(">" + std::string(title) + "</th>")) << title;
     }
     EXPECT_TRUE(page.Has("&lt;ann@example.com&gt;</td>"));
-    EXPECT_TRUE(page.Has("<a href='userprop?id=ann%40example.com'>Edit</a>"));
-    EXPECT_TRUE(page.Has("<a href='userdelete?id=ann%40example.com'>Delete</a>"));
+    EXPECT_TRUE(page.Has("<a href='userprop?id=ann%40example.com' aria-label='Edit "));
+    EXPECT_TRUE(page.Has("<a href='userdelete?id=ann%40example.com' aria-label='Delete "));
     EXPECT_FALSE(page.Has("password"));
 }
 

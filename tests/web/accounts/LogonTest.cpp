@@ -81,8 +81,9 @@ TEST_F(Logon, LeadsToTheBusinessUsedLastOrToTheChoice) {
     }
     ASSERT_TRUE(SetBusinessDeleted(1, true));
     LTestBrowser browser(web_);
-    EXPECT_TRUE(TryLogOn(browser, "second@example.com", "password").Has("'chooseprofile'"))
-        << "a deleted business is not opened";
+    EXPECT_TRUE(
+        TryLogOn(browser, "second@example.com", "password").Has("t have allowed company profiles"))
+        << "a deleted business counts for nobody";
 }
 
 TEST_F(Logon, SixWrongPasswordsLockTheAccountForTwentyMinutes) {

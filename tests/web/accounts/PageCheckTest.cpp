@@ -38,7 +38,7 @@ protected:
         LWebletInstallScript("edit", WLWebDialogRun<LEditing>);
         LWebletInstallScript("later", WLNotBuiltYet);
         LWebletInstallScript("act", [](LWebletForm& form) {
-            if (WLValidateSession(form)) WLRedirect(form, WLMayChange(form) ? "done" : "viewer");
+            if (AuthenticateAction(form)) WLRedirect(form, WLMayChange(form) ? "done" : "viewer");
         });
         MakeAccount("ann@example.com", LAccountRole::kUser, {0});
         MakeAccount("eve@example.com", LAccountRole::kViewer, {0});
@@ -57,16 +57,15 @@ TEST_F(PageCheck, WhoeverMayPassSeesTheBusinessOfTheSession) {
 
 TEST_F(PageCheck, AnyDoubtEndsTheSession) {
     struct LCase {
-        const char *field, *value, *why;
+        const char *field, *value, *action, *why;
     };
-    for (const LCase& one : {LCase{"Enabled", "0", "disabled meanwhile"},
-                             LCase{"ProfileIDs", "1,", "barred from the business"},
-                             LCase{"ProfileIDs", "", "barred from all"}}) {
+    for (const LCase& one : {LCase{"Enabled", "0", "done", "disabled meanwhile"},
+                             LCase{"ProfileIDs", "1,", "logon", "barred from the business"},
+                             LCase{"ProfileIDs", "", "logon", "barred from all"}}) {
         MakeAccount("bob@example.com", LAccountRole::kUser, {0});
         LTestBrowser browser = LoggedOn("bob@example.com");
         Store("bob@example.com", one.field, one.value);
-        EXPECT_EQ(browser.Get("act").Location(), "done")
-            << "action handlers only ask for a session";
+        EXPECT_EQ(browser.Get("act").Location(), one.action) << one.why;
         EXPECT_EQ(browser.Get("list").Location(), "logon") << one.why;
         EXPECT_EQ(SessionFile(browser), "") << one.why;
         EXPECT_TRUE(browser.Get("act").Has("Your session is expired.")) << one.why;
