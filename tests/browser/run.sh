@@ -6,7 +6,11 @@ executable=$(realpath "$1")
 shots=${2:-}
 [ -z "$shots" ] || shots=$(realpath "$shots")
 cd "$(dirname "$0")"
-if [ ! -d node_modules/playwright-core ]; then
-    npm install --no-package-lock --no-audit --no-fund --silent
+wanted=$(sed -n 's/.*"playwright-core": "\(.*\)".*/\1/p' package.json)
+if ! grep -qs "\"version\": \"$wanted\"" node_modules/playwright-core/package.json; then
+    npm install --no-package-lock --no-audit --no-fund --loglevel=error >&2 || {
+        echo "run.sh: npm could not fetch what drives the browser" >&2
+        exit 1
+    }
 fi
 exec node main.mjs "$executable" "$shots"
