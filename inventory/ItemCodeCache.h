@@ -11,8 +11,9 @@
 
 // Hashed: in an ordered table of ten thousand codes the search alone costs a tenth of opening the
 // item.
-struct LItemCodeHash : std::hash<std::string_view> {
+struct LItemCodeHash {
     using is_transparent = void;
+    size_t operator()(std::string_view code) const { return std::hash<std::string_view>()(code); }
 };
 using LItemKeysByCode =
     std::unordered_map<std::string, std::string, LItemCodeHash, std::equal_to<>>;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <utility>
 
 #include "inventory/BillOfMaterials.h"
@@ -53,7 +54,9 @@ LItemError CheckCategory(const LCheckedInput& checked) {
 }
 
 LItemError CheckBound(const LProfile& profile, LItemField field, const LMoney& amount) {
-    if (amount.minorUnits < kValueBound) return LItemError::None();
+    // More digits than the currency has may have been typed.
+    const std::optional<LMoney> held = WithDigits(amount, profile.CurrencyDigits());
+    if (held && held->minorUnits < kValueBound) return LItemError::None();
     const int digits = std::clamp(profile.CurrencyDigits(), 0, kValueBoundDigits);
     const double whole = std::floor(static_cast<double>(kValueBound) / std::pow(10, digits));
     return LItemError::At(field, "The item value must be positive and less than " +

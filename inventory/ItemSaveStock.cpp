@@ -24,12 +24,12 @@ LItemError CollectRows(const LProfile& profile, const std::vector<LItemLocationR
                        ItemLocations& entries) {
     const LLocationList locations(profile);
     for (const LItemLocationRow& row : rows) {
-        const std::string key = RowLocation(locations, row.locationName);
+        const std::string name = Trimmed(row.locationName);
+        const std::string key = RowLocation(locations, name);
         if (key.empty()) {
             return LItemError::At(LItemField::kLocations,
-                                  row.locationName.empty()
-                                      ? "There is no location to keep the item at."
-                                      : "There is no location named " + row.locationName + ".");
+                                  name.empty() ? "There is no location to keep the item at."
+                                               : "There is no location named " + name + ".");
         }
         StoreLocationQuantity(entries, key, row.quantity, row.warnQuantity, row.idealQuantity);
     }

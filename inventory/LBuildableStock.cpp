@@ -38,8 +38,8 @@ void LowerToWholeUnits(LStockEntries& entries, const LStockEntries& component, d
 }  // namespace
 
 const LStockEntries& LBuildableStock::Of(const LItem& item) {
-    if (item.GetPrimaryKey().empty())
-        derived_.erase(std::string());  // not stored yet: nobody can name it
+    // Items not stored yet all have the empty key, and no bill can name them.
+    if (item.GetPrimaryKey().empty()) derived_.erase(std::string());
     return Derive(item, 0).entries;
 }
 

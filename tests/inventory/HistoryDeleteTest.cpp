@@ -3,10 +3,13 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
+
 #include "inventory/MasterRecords.h"
 #include "inventory/StockMovements.h"
 #include "tests/inventory/LTestShop.h"
 #include "tests/support/LChildProcess.h"
+#include "tests/support/LFailNthFileCall.h"
 #include "tests/support/LScriptedUserInterface.h"
 
 namespace {
@@ -172,6 +175,29 @@ TEST_F(HistoryDelete, ABuiltItemsComponentsComeBack) {
     EXPECT_EQ(LDeleteSellRows(ui_, shop_.profile, Sold()), 1);
     EXPECT_EQ(shop_.Stock("BOLT"), 100);
     EXPECT_EQ(shop_.Stock("NUT"), 100);
+}
+
+TEST_F(HistoryDelete, ARowThatCannotBeTakenOutLeavesTheStockAsItWas) {
+    shop_.Sell("BOLT", 5, kMonday, {100, 2});
+    shop_.Sell("BOLT", 7, kMonday, {100, 2});
+    int refusals = 0;
+    for (int n = 1;; ++n) {
+        const std::string before = shop_.SellFile(kMonday);
+        const double stock = shop_.Stock("BOLT");
+        const auto ids = Sold();
+        ui_.ExpectDelete("Delete Record", kOne);
+        const LFailNthFileCall fault(n, EIO);
+        const int count = LDeleteSellRows(ui_, shop_.profile, {ids.front()});
+        if (count == 0) {
+            ++refusals;
+            EXPECT_EQ(shop_.SellFile(kMonday), before) << "call " << n;
+            EXPECT_EQ(shop_.Stock("BOLT"), stock) << "call " << n;
+            continue;
+        }
+        shop_.WriteSellFile(kMonday, before);  // for the next round
+        if (!fault.Fired()) break;             // every call has had its turn
+    }
+    EXPECT_GE(refusals, 3) << "opening, writing and cutting the file";
 }
 
 TEST_F(HistoryDelete, AnIdTravelsThroughAFormAndBack) {

@@ -3,6 +3,7 @@
 #include <signal.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <array>
 #include <cerrno>
@@ -222,6 +223,48 @@ TEST(HistoryFile, AFailureInTheMiddleOfARewriteLeavesTheOldText) {
             }
         }
     }
+}
+
+TEST(HistoryFile, ARewriteThatFindsNoRoomLeavesTheOldText) {
+    const LTempFolder folder;
+    const std::string kOld = "one\r\ntwo\r\n";
+    folder.WriteFile("day.csv", kOld);
+    LChildProcess child([&] {  // its files may grow by four bytes only
+        ::signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit{kOld.size() + 4, kOld.size() + 4};
+        if (::setrlimit(RLIMIT_FSIZE, &limit) != 0) return 2;
+        const LHistoryFile file(folder.File("day.csv"), LHistoryAccess::kRewrite);
+        return file.Replace(kOld, "ONE\r\nTWO\r\nthree\r\n") ? 1 : 0;
+    });
+    EXPECT_EQ(child.Wait(), 0);
+    EXPECT_EQ(folder.ReadFile("day.csv"), kOld);
+}
+
+TEST(HistoryFile, RowsAppendedBetweenTwoRewritesAreKept) {
+    const LTestShop shop;
+    constexpr int kRows = 150;
+    ASSERT_TRUE(CreateNewSellRecord(shop.profile, Sale(kMonday)));
+    LChildProcess appender([&] {
+        LSellRow row = Sale(kMonday);
+        row.reference = "appended";
+        for (int i = 0; i < kRows; ++i) {
+            if (!CreateNewSellRecord(shop.profile, row)) return 1;
+            ::usleep(500);
+        }
+        return 0;
+    });
+    const std::string path = LGetSellCSVFilePath(shop.profile, kMonday);
+    for (int i = 0; i < 100; ++i) {  // the first row becomes longer and shorter in turn
+        ::usleep(1000);              // a lock that is always busy would starve the other side
+        const LHistoryFile file(path, LHistoryAccess::kRewrite);
+        std::string text;
+        ASSERT_TRUE(file.Read(text));
+        const std::string rest = text.substr(text.find('\n') + 1);
+        const std::string first = i % 2 == 0 ? std::string(300, 'x') : std::string("x");
+        ASSERT_TRUE(file.Replace(text, first + "\r\n" + rest));
+    }
+    EXPECT_EQ(appender.Wait(), 0);
+    EXPECT_EQ(shop.SoldRows(kMonday, kMonday).size(), 1u + kRows);
 }
 
 TEST(HistoryFile, WhatIsNoDayFileIsNotRead) {

@@ -144,6 +144,10 @@ TEST(LItemSaveGeneral, TellsWhereTheBoundLiesInOtherCurrencies) {
     input.cost = "10000000000000";
     EXPECT_EQ(LItemCheckGeneral(shop.Profile(), input).message,
               "The item value must be positive and less than 10,000,000,000,000.");
+    shop.SetOption("CurrencyDigits", "2");
+    input.cost = "50,000,000,000.1234";
+    EXPECT_TRUE(LItemCheckGeneral(shop.Profile(), input).IsNone())
+        << "digits beyond the currency's";
 }
 
 TEST(LItemSaveGeneral, RenamesWithinTheLettersAndSaysWhichBillsNameTheOldCode) {

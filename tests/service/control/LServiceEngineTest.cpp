@@ -219,18 +219,3 @@ TEST_F(LServiceEngineTest, AStormOfClientsLeavesNothingBehind) {
     EXPECT_EQ(CountDescriptors(), descriptors);
     EXPECT_EQ(client.Ask(kServiceActivityQuery), 1U);
 }
-
-TEST_F(LServiceEngineTest, TwoHundredAtOnceAllGetTheirAnswer) {
-    std::vector<std::unique_ptr<LPipeClient>> guests;
-    for (int i = 0; i < 200; ++i) {
-        guests.push_back(std::make_unique<LPipeClient>(LTestService::Path()));
-        ASSERT_TRUE(guests.back()->Send(kServiceCommandResult, kServiceActivityQuery, {}, 5));
-    }
-    for (const auto& guest : guests) {
-        const auto reply = guest->ReadReply();
-        ASSERT_TRUE(reply);
-        EXPECT_EQ(reply->header.code, 1U);
-    }
-    guests.clear();
-    EXPECT_TRUE(Becomes([&] { return service.Service().ConnectionCount() == 1; }));
-}
