@@ -26,8 +26,28 @@ struct LWebScript {
     LWebletScript script;
 };
 
-// Names whose pages this version does not have yet.
-void WLNotBuilt(LWebletForm& form) { WLNotBuiltYet(form); }
+// Names whose pages this version does not have yet; the rest are titled by their name.
+struct LPlannedPage {
+    std::string_view name, title;
+};
+constexpr LPlannedPage kPlannedPages[] = {
+    {"transferlist", "Transfers"},
+    {"itemtransfer", "Move stock"},
+    {"orderlist", "Purchase orders"},
+    {"orderprop", "Purchase order"},
+    {"itemonorderlist", "On order"},
+    {"orderlowstockitems", "Order low stock"},
+    {"itembomprop", "Bill of materials"},
+    {"customerotherprop", "Customer details"},
+    {"reports", "Reports"},
+};
+
+void WLNotBuilt(LWebletForm& form) {
+    for (const LPlannedPage& page : kPlannedPages) {
+        if (page.name == form.PageName()) return WLNotBuiltYet(form, page.title);
+    }
+    WLNotBuiltYet(form);
+}
 
 // Every page of the program, in the order of installation. Names are part of what links, bookmarks
 // and partner programs rely on, capitals and odd spellings included. Of a name that the modules
@@ -109,6 +129,7 @@ constexpr LWebScript WebScriptArray[] = {
 void LWebControl::StartServer() {
     InstallAccountScripts();
     InstallFrameworkScripts();
+    LWebletInstallScript("uploadProgress", WLNotBuilt);
     for (const LWebScript& row : WebScriptArray) LWebletInstallScript(row.name, row.script);
     LWebletServer::StartServer();
 }
