@@ -129,19 +129,25 @@ bool MeasuresInInches(std::string_view country) {
     return country == "US" || country == "LR" || country == "MM";
 }
 
-LLocaleInfo InfoFor(const std::string& posixName, const std::string& monetaryName) {
-    const LLocaleName name = ParsePosixName(posixName);
+// The locale names, as POSIX writes them, for each kind of information.
+struct LPosixNames {
+    std::string general, numeric, monetary, time;
+};
+
+LLocaleInfo InfoFor(const LPosixNames& names) {
+    const LLocaleName name = ParsePosixName(names.general);
+    const LLocaleName numeric = ParsePosixName(names.numeric);
+    const LLocaleName time = ParsePosixName(names.time);
     LLocaleInfo info;
     info.country = name.country;
     info.language = name.language;
     info.decimalSeparator = ".";
     info.groupingSeparator = ",";
-    FillCurrency(info, ParsePosixName(monetaryName));
-    if (name.language.empty()) return info;
-    FillSeparators(info, name.ForIcu());
-    if (name.country.empty()) return info;  // the language alone says nothing about dates and paper
-    FillDate(info, name.ForIcu());
-    info.isMetric = !MeasuresInInches(name.country);
+    FillCurrency(info, ParsePosixName(names.monetary));
+    if (!numeric.language.empty()) FillSeparators(info, numeric.ForIcu());
+    // The language alone says nothing about dates and paper.
+    if (!time.country.empty()) FillDate(info, time.ForIcu());
+    info.isMetric = !name.country.empty() && !MeasuresInInches(name.country);
     return info;
 }
 
@@ -157,10 +163,14 @@ std::string FirstOf(std::initializer_list<const char*> variables) {
 }  // namespace
 
 LLocaleInfo GetLocaleInfo() {
-    return InfoFor(FirstOf({"LC_ALL", "LANG"}), FirstOf({"LC_ALL", "LC_MONETARY", "LANG"}));
+    const auto nameOf = [](const char* category) { return FirstOf({"LC_ALL", category, "LANG"}); };
+    return InfoFor({FirstOf({"LC_ALL", "LANG"}), nameOf("LC_NUMERIC"), nameOf("LC_MONETARY"),
+                    nameOf("LC_TIME")});
 }
 
-LLocaleInfo GetLocaleInfoFor(const std::string& posixName) { return InfoFor(posixName, posixName); }
+LLocaleInfo GetLocaleInfoFor(const std::string& posixName) {
+    return InfoFor({posixName, posixName, posixName, posixName});
+}
 
 int MinutesWestOfUtc() {
     ::tzset();

@@ -18,8 +18,9 @@ struct LLocaleInfo {
     bool isMetric = false;
 };
 
-// The locale of $LC_ALL, $LC_MONETARY (for the currency) and $LANG, in the POSIX order; read anew
-// at every call, so that a test can set it. "C", "POSIX" and an empty name give no country and the
+// The locale of $LC_ALL, or else of $LANG. Between those two, as in POSIX, $LC_NUMERIC counts for
+// the separators, $LC_MONETARY for the currency and $LC_TIME for the dates. Read anew at every
+// call, so that a test can set it. "C", "POSIX" and an empty name give no country and the
 // separators "." and ",". ICU's data is loaded at the first call.
 LLocaleInfo GetLocaleInfo();
 // The same for a named locale such as "de_AT.UTF-8".

@@ -79,6 +79,8 @@ TEST(LLocaleInfo, NamesWithoutACountryCountAsTheUnitedStates) {
 TEST(LLocaleInfo, TheEnvironmentIsReadInThePosixOrder) {
     const LScopedEnvironment lang("LANG", "en_GB.UTF-8");
     const LScopedEnvironment monetary("LC_MONETARY", "de_DE.UTF-8");
+    const LScopedEnvironment numeric("LC_NUMERIC", "");
+    const LScopedEnvironment time("LC_TIME", "");
     {
         const LScopedEnvironment all("LC_ALL", "");
         EXPECT_EQ(GetLocaleInfo().country, "GB") << "an empty variable counts as missing";
@@ -88,6 +90,35 @@ TEST(LLocaleInfo, TheEnvironmentIsReadInThePosixOrder) {
     const LScopedEnvironment all("LC_ALL", "sv_SE.UTF-8");
     EXPECT_EQ(GetLocaleInfo().country, "SE");
     EXPECT_EQ(GetLocaleInfo().currencySymbol, "kr");
+}
+
+TEST(LLocaleInfo, EachCategoryHasItsOwnVariable) {
+    struct Case {
+        const char *all, *numeric, *monetary, *time;
+        const char *grouping, *symbol, *dateSeparator;
+        LDateOrder order;
+    };
+    const Case kCases[] = {
+        {"", "", "", "", ",", "$", "/", kMdy},
+        {"", "de_DE", "", "", ".", "$", "/", kMdy},
+        {"", "", "en_GB", "", ",", "£", "/", kMdy},
+        {"", "", "", "sv_SE", ",", "$", "-", kYmd},
+        {"", "de_CH", "en_GB", "nl_NL", "’", "£", "-", kDmy},
+        {"", "C", "C", "C", ",", "", "/", kMdy},
+        {"de_DE", "en_US", "en_US", "en_US", ".", "€", ".", kDmy},
+    };
+    const LScopedEnvironment lang("LANG", "en_US.UTF-8");
+    for (const Case& c : kCases) {
+        const LScopedEnvironment all("LC_ALL", c.all), numeric("LC_NUMERIC", c.numeric);
+        const LScopedEnvironment monetary("LC_MONETARY", c.monetary), time("LC_TIME", c.time);
+        const LLocaleInfo info = GetLocaleInfo();
+        const std::string label = std::string(c.numeric) + "|" + c.monetary + "|" + c.time;
+        EXPECT_EQ(info.groupingSeparator, c.grouping) << label;
+        EXPECT_EQ(info.currencySymbol, c.symbol) << label;
+        EXPECT_EQ(info.dateSeparator, c.dateSeparator) << label;
+        EXPECT_EQ(info.dateOrder, c.order) << label;
+        EXPECT_EQ(info.country, *c.all != '\0' ? "DE" : "US") << label;
+    }
 }
 
 TEST(LLocaleInfo, TheTimeZoneIsTheOneOfNow) {
