@@ -35,7 +35,7 @@ void TimeCreation(benchmark::State& state, const LFileStoreListBase& list) {
 void BM_CreateList(benchmark::State& state) {
     const LFileStoreListBase& list = ListOf(static_cast<int>(state.range(0)));
     for (auto _ : state) {
-        for (int i = 0; i < 20; ++i) {
+        for (int i = 0; i < 64; ++i) {
             const LFileStoreListBase other(LFileStoreDataStore(BenchFolder()),
                                            "other" + std::to_string(i));
             MoveAway(other, Create(other));

@@ -36,10 +36,10 @@ public:
     // cannot be read.
     [[nodiscard]] bool Load(std::string_view key, LRecord& record) const;
     // Merges with the file and rewrites it under the exclusive lock; a new key or a rename is
-    // settled first; where another record has the new key the record keeps its old one. Also true
-    // when an existing record's file could not be opened or not be filled (a full disk): the file
+    // settled first. Where another record has the new key the record keeps its old one. Also true
+    // when an existing record's file could not be opened, or not be filled (a full disk): the file
     // is as before then and the changes stay marked for the next save. False when no file could be
-    // made for a new key.
+    // made for a new key, or the old text not be read to merge with it.
     bool Save(LRecord& record) const;
     bool Delete(std::string_view key) const;  // true when the file was removed
 

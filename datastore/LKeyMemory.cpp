@@ -1,47 +1,22 @@
 #include "datastore/LKeyMemory.h"
 
 #include <fcntl.h>
-#include <linux/magic.h>
-#include <sys/inotify.h>
 #include <sys/stat.h>
-#include <sys/vfs.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <array>
-#include <cerrno>
 #include <vector>
 
 #include "datastore/LFolderReader.h"
+#include "platform/LFileDescriptor.h"
 
 namespace {
 
-constexpr uint32_t kCame = IN_CREATE | IN_MOVED_TO;
-constexpr uint32_t kWent = IN_DELETE | IN_MOVED_FROM;
-constexpr uint32_t kFolderItself = IN_DELETE_SELF | IN_MOVE_SELF;
-
-// Where every change passes through this machine's kernel, so that a watch sees it.
-bool IsLocalFileSystem(int folder) {
-    constexpr std::array<unsigned long, 7> kLocal{
-        EXT4_SUPER_MAGIC, XFS_SUPER_MAGIC,       BTRFS_SUPER_MAGIC, TMPFS_MAGIC,
-        F2FS_SUPER_MAGIC, OVERLAYFS_SUPER_MAGIC, 0x2FC12FC1 /* ZFS */};
-    struct statfs status {};
-    if (::fstatfs(folder, &status) != 0) return false;
-    return std::find(kLocal.begin(), kLocal.end(), static_cast<unsigned long>(status.f_type)) !=
-           kLocal.end();
-}
-
-// The folders asked for last, newest first. Each holds a watch, of which a user has about a
-// hundred.
+// The folders asked for last, newest first. A bounded number: nobody says when a list is done with.
 class LKeyMemories {
 public:
+    LKeyMemories() { LFolderWatches::OfProcess(); }  // must outlive the memories
     std::shared_ptr<LKeyMemory> Of(const std::string& path) {
         const LMutexLock lock(mutex_);
-        // A child process shares its parent's watches and would steal their events.
-        if (const pid_t process = ::getpid(); process != process_) {
-            memories_.clear();
-            process_ = process;
-        }
         auto found = std::find_if(memories_.begin(), memories_.end(),
                                   [&](const auto& memory) { return memory->Path() == path; });
         if (found == memories_.end()) {
@@ -53,9 +28,8 @@ public:
     }
 
 private:
-    static constexpr size_t kMaxMemories = 16;
+    static constexpr size_t kMaxMemories = 64;
     LMutex mutex_;
-    pid_t process_ L_GUARDED_BY(mutex_) = 0;
     std::vector<std::shared_ptr<LKeyMemory>> memories_ L_GUARDED_BY(mutex_);
 };
 
@@ -86,10 +60,9 @@ uint64_t LKeyMemory::Create(int folder, LNewRecordFile& file) {
 }
 
 void LKeyMemory::Refresh(int folder) {
-    const bool isSame = IsSameFolder(folder);
-    if (isSame && watch_.IsOpen() && ApplyEvents()) return;
+    if (IsSameFolder(folder) && watch_ != nullptr && ApplyChanges()) return;
     // Watch first and list then: what happens in between is told by the watch.
-    if (!isSame || !watch_.IsOpen()) StartWatch(folder);
+    watch_ = LFolderWatches::OfProcess().Start(folder);
     List(folder);
 }
 
@@ -102,42 +75,13 @@ bool LKeyMemory::IsSameFolder(int folder) {
     return isSame;
 }
 
-void LKeyMemory::StartWatch(int folder) {
-    watch_.Close();
-    if (!IsLocalFileSystem(folder)) return;
-    LFileDescriptor watch(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
-    if (!watch.IsOpen()) return;
-    // Through the descriptor: what lies at the path may be another folder by now.
-    const std::string source = "/proc/self/fd/" + std::to_string(folder);
-    if (::inotify_add_watch(watch.Get(), source.c_str(),
-                            kCame | kWent | kFolderItself | IN_ONLYDIR) >= 0) {
-        watch_ = std::move(watch);
-    }
-}
-
-// False when the watch cannot vouch for the numbers any more.
-bool LKeyMemory::ApplyEvents() {
-    constexpr size_t kLargestEvent = sizeof(inotify_event) + 256;
-    alignas(inotify_event) std::array<char, 4096> buffer;
-    for (;;) {
-        const ssize_t got = ::read(watch_.Get(), buffer.data(), buffer.size());
-        if (got < 0 && errno == EINTR) continue;
-        if (got < 0 && errno == EAGAIN) return true;
-        if (got <= 0) return false;
-        for (size_t at = 0; at < static_cast<size_t>(got);) {
-            const auto* event = reinterpret_cast<const inotify_event*>(buffer.data() + at);
-            at += sizeof(inotify_event) + event->len;
-            if (!ApplyEvent(event->mask, event->len == 0 ? "" : event->name)) return false;
+bool LKeyMemory::ApplyChanges() {
+    std::vector<LFolderChange> changes;
+    if (!LFolderWatches::OfProcess().Take(*watch_, changes)) return false;
+    for (const LFolderChange& change : changes) {
+        if (const auto number = NumberOfFileName(change.name)) {
+            change.came ? used_.Add(*number) : used_.Remove(*number);
         }
-        if (static_cast<size_t>(got) <= buffer.size() - kLargestEvent) return true;
-    }
-}
-
-bool LKeyMemory::ApplyEvent(uint32_t mask, std::string_view name) {
-    if ((mask & (kFolderItself | IN_IGNORED | IN_UNMOUNT)) != 0) watch_.Close();
-    if ((mask & (kCame | kWent)) == 0) return false;  // also an overflow: events were lost
-    if (const auto number = NumberOfFileName(name)) {
-        (mask & kCame) != 0 ? used_.Add(*number) : used_.Remove(*number);
     }
     return true;
 }

@@ -8,9 +8,9 @@
 #include <string>
 #include <string_view>
 
+#include "datastore/LFolderWatches.h"
 #include "datastore/LNewRecordFile.h"
 #include "datastore/LUsedNumbers.h"
-#include "platform/LFileDescriptor.h"
 #include "platform/LMutex.h"
 
 // Puts `text` into a new record file of the list folder at `path`. Its name is the smallest number
@@ -32,14 +32,12 @@ public:
 private:
     void Refresh(int folder) L_REQUIRES(mutex_);
     bool IsSameFolder(int folder) L_REQUIRES(mutex_);
-    void StartWatch(int folder) L_REQUIRES(mutex_);
-    bool ApplyEvents() L_REQUIRES(mutex_);
-    bool ApplyEvent(uint32_t mask, std::string_view name) L_REQUIRES(mutex_);
+    bool ApplyChanges() L_REQUIRES(mutex_);
     void List(int folder) L_REQUIRES(mutex_);
 
     const std::string path_;
     LMutex mutex_;
-    LFileDescriptor watch_ L_GUARDED_BY(mutex_);
+    std::shared_ptr<LFolderWatches::Watch> watch_ L_GUARDED_BY(mutex_);  // null: none to be had
     dev_t device_ L_GUARDED_BY(mutex_) = 0;
     ino_t inode_ L_GUARDED_BY(mutex_) = 0;
     LUsedNumbers used_ L_GUARDED_BY(mutex_);

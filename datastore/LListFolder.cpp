@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <functional>
+#include <new>
 
 #include "datastore/LKeyMemory.h"
 #include "datastore/LPathLock.h"
@@ -79,7 +80,8 @@ bool LListFolder::Exists(std::string_view key) const {
     return !name.empty() && ::stat(PathOf(name).c_str(), &status) == 0 && !S_ISDIR(status.st_mode);
 }
 
-bool LListFolder::Load(std::string_view key, LRecord& record) const {
+// A file larger than memory is one that cannot be read.
+bool LListFolder::Load(std::string_view key, LRecord& record) const try {
     const std::string name = RecordFileName(key);
     LFileText text;
     if (name.empty() || !ReadRecord(AT_FDCWD, PathOf(name).c_str(), HashOf(name), text)) {
@@ -87,9 +89,11 @@ bool LListFolder::Load(std::string_view key, LRecord& record) const {
     }
     record.Fields().Parse(text.View());
     return true;
+} catch (const std::bad_alloc&) {
+    return false;
 }
 
-bool LListFolder::LoadListed(int folder, const char* fileName, LRecord& record) const {
+bool LListFolder::LoadListed(int folder, const char* fileName, LRecord& record) const try {
     LFileText text;
     if (!ReadRecord(folder, fileName, HashOf(fileName), text)) return false;
     const std::string key = KeyOfRecordFile(fileName, text.View());
@@ -97,13 +101,17 @@ bool LListFolder::LoadListed(int folder, const char* fileName, LRecord& record) 
     record.Fields().Parse(text.View());
     record.SetKeys(key, key);
     return true;
+} catch (const std::bad_alloc&) {
+    return false;
 }
 
-bool LListFolder::Save(LRecord& record) const {
+bool LListFolder::Save(LRecord& record) const try {
     SettleRename(record);
     const bool saved = record.GetPrimaryKey().empty() ? SaveNew(record) : SaveExisting(record);
     record.ClearDirty();
     return saved;
+} catch (const std::bad_alloc&) {
+    return false;
 }
 
 // A key that cannot be changed stays as it was, without a word: another record has the new one, or

@@ -1,7 +1,15 @@
 #include "datastore/LPathLock.h"
 
+#include <algorithm>
 #include <array>
-#include <mutex>
+
+namespace {
+
+// So long a thread may be overtaken. Some hundred turns fit into it.
+constexpr std::chrono::milliseconds kPatience(1);
+constexpr std::chrono::milliseconds kTimeout(kLockTimeoutMs);
+
+}  // namespace
 
 // The queue of the files that share it: those who work and those who wait, in the order of their
 // coming.
@@ -15,43 +23,72 @@ LPathLock::Stripe& LPathLock::StripeOf(size_t pathHash) {
     return stripes[pathHash % stripes.size()];
 }
 
-// Whether nobody before `waiter` stands in its way.
-bool LPathLock::MayGo(const Stripe& stripe, const LPathLock& waiter) {
-    for (const LPathLock* other = stripe.first; other != &waiter; other = other->next_) {
-        const bool bothRead =
-            other->kind_ == LFileLockKind::kShared && waiter.kind_ == LFileLockKind::kShared;
-        if (other->pathHash_ == waiter.pathHash_ && !bothRead) return false;
+bool LPathLock::ConflictsWith(const LPathLock& other) const {
+    const bool bothRead = kind_ == LFileLockKind::kShared && other.kind_ == LFileLockKind::kShared;
+    return pathHash_ == other.pathHash_ && !bothRead;
+}
+
+bool LPathLock::IsDue() const { return Clock::now() - start_ >= kPatience; }
+
+// Whether nobody stands in the way: nobody who works, and nobody who waits in front. A new one
+// passes those whose patience is not yet at its end.
+bool LPathLock::MayGo(const Stripe& stripe, Arrival arrival) const {
+    bool isInFront = true;
+    for (const LPathLock* other = stripe.first; other != nullptr; other = other->next_) {
+        if (other == this) {
+            isInFront = false;
+        } else if (ConflictsWith(*other)) {
+            if (other->goes_) return false;
+            if (isInFront && (arrival == Arrival::kWaiting || other->IsDue())) return false;
+        }
     }
     return true;
 }
 
 LPathLock::LPathLock(size_t pathHash, LFileLockKind kind) : pathHash_(pathHash), kind_(kind) {
-    Stripe& stripe = StripeOf(pathHash);
+    Enter(StripeOf(pathHash));
+}
+
+LPathLock::~LPathLock() { Leave(StripeOf(pathHash_)); }
+
+void LPathLock::Enter(Stripe& stripe) {
     std::unique_lock lock(stripe.mutex);
     LPathLock** last = &stripe.first;
     while (*last != nullptr) last = &(*last)->next_;
     *last = this;
-    goes_ = MayGo(stripe, *this);
-    if (goes_) return;
-
-    using Clock = std::chrono::steady_clock;
-    const Clock::time_point start = Clock::now();
-    turn_.wait_until(lock, start + std::chrono::milliseconds(kLockTimeoutMs),
-                     [this] { return goes_; });
-    const auto waited =
-        std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start).count();
-    remainingMs_ = waited >= kLockTimeoutMs ? 0 : kLockTimeoutMs - static_cast<int>(waited);
+    goes_ = MayGo(stripe, Arrival::kNew);
+    if (!goes_) WaitForTurn(stripe, lock);
 }
 
-LPathLock::~LPathLock() {
-    Stripe& stripe = StripeOf(pathHash_);
+void LPathLock::WaitForTurn(const Stripe& stripe, std::unique_lock<std::mutex>& lock) {
+    start_ = Clock::now();
+    Clock::time_point now = start_;
+    while (!goes_ && now - start_ < kTimeout) {
+        turn_.wait_until(lock, start_ + (now - start_ < kPatience ? kPatience : kTimeout));
+        now = Clock::now();
+        if (MayGo(stripe, Arrival::kWaiting)) goes_ = true;
+    }
+    goes_ = true;
+    const auto waitedMs = std::chrono::duration_cast<std::chrono::milliseconds>(now - start_);
+    remainingMs_ = static_cast<int>((kTimeout - std::min(waitedMs, kTimeout)).count());
+}
+
+// Whose patience has ended is served now. Another one is woken to see for itself, if nobody passes
+// it meanwhile.
+void LPathLock::Leave(Stripe& stripe) {
     const std::lock_guard lock(stripe.mutex);
     LPathLock** at = &stripe.first;
     while (*at != this) at = &(*at)->next_;
     *at = next_;
     for (LPathLock* waiter = stripe.first; waiter != nullptr; waiter = waiter->next_) {
-        if (waiter->goes_ || !MayGo(stripe, *waiter)) continue;
-        waiter->goes_ = true;
+        if (waiter->goes_ || !ConflictsWith(*waiter)) continue;
+        if (!waiter->MayGo(stripe, Arrival::kWaiting)) continue;
+        if (waiter->IsDue()) {
+            waiter->goes_ = true;
+        } else if (waiter->wasWoken_) {
+            continue;
+        }
+        waiter->wasWoken_ = true;
         waiter->turn_.notify_one();
     }
 }

@@ -1,6 +1,7 @@
 #include "datastore/LProfile.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 
 #include <array>
 
@@ -66,11 +67,12 @@ void LProfile::SetDatabaseName(std::string_view folder) {
     ordersDrafts_ = makeList("OrdersDrafts");
     items_ = makeList("Items");
     transfers_ = makeList("Transfers");
-    misc_ = makeList("Misc");
     Reload();
 }
 
 void LProfile::Reload() {
+    // Anew: the folder may have been emptied or replaced since.
+    misc_ = std::make_unique<LFileStoreListBase>(store_, "Misc");
     LRecord options;
     OpenSettings(options, "Options");
     if (!options.GetBool("Init", false)) InitialiseDatabase(options);
@@ -103,12 +105,20 @@ void LProfile::InitialiseDatabase(LRecord& options) {
     // database.
     if (options.GetLoadedKey().empty() && misc_->TestRecordExists("Options")) return;
 
+    MakeListFolders();
     // What a full disk refused is tried again at the next load.
     const bool isComplete = WriteDefaultBlocks() && CreateDefaultLocation(store_);
     WriteLocaleOptions(options);
     options.SetBool("Init", isComplete);
     options.SetInt("DatabaseVersion", kDatabaseVersion);
     options.Flush();  // last, and under the lock: whoever reads "Init" finds all the rest
+}
+
+// In place, as callers hold references to the lists.
+void LProfile::MakeListFolders() const {
+    for (const auto* list : {&orders_, &ordersRecurring_, &ordersDrafts_, &items_, &transfers_}) {
+        ::mkdir((*list)->Folder().c_str(), 0777);
+    }
 }
 
 void LProfile::WriteLocaleOptions(LRecord& options) const {

@@ -19,7 +19,7 @@ public:
     // Empty or missing: the default business. References to the lists of before are void.
     void SetDatabaseName(std::string_view folder);
     // Reads the settings again; initialises a new database with the defaults of the machine's
-    // locale.
+    // locale, also one whose folder was emptied meanwhile.
     void Reload();
 
     const std::string& DatabaseFolder() const { return store_.Folder(); }
@@ -39,6 +39,7 @@ public:
 
 private:
     void InitialiseDatabase(LRecord& options);
+    void MakeListFolders() const;
     void WriteLocaleOptions(LRecord& options) const;
     bool WriteDefaultBlocks() const;
     void ReadSettings(const LRecord& options);

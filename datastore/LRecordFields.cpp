@@ -12,6 +12,7 @@ namespace {
 constexpr size_t kMaxArena = 0xFFFFFFFF;
 // Up to here comparing tags one after the other is quicker than an index.
 constexpr size_t kFewFields = 64;
+constexpr size_t kUsualFieldBytes = 16;  // of record text, from below: a guess at their number
 
 std::string_view CutName(std::string_view name) { return CutText(name, kMaxFieldNameBytes); }
 
@@ -206,6 +207,8 @@ void LRecordFields::Parse(std::string_view text) {
     Clear();
     if (text.size() > kMaxArena) return;
     if (room_ < text.size()) Repack(text.size());
+    if (entries_.capacity() == 0)
+        entries_.reserve(std::min(text.size() / kUsualFieldBytes + 1, kFewFields));
     const char* pos = text.data();
     char* out = arena_.get();
     const auto offset = [base = arena_.get()](std::string_view part) {

@@ -12,12 +12,24 @@ template <typename Record>
 class LSettingsListIteratorTemplate;
 
 // The records live in sections of their own beside the list's section, which holds the highest
-// number ever used. `Record` is LUserSettingsRecord or LSharedSettingsRecord. Two processes that
-// add to one list at the same moment can take the same number.
+// number ever used ("Count"). `Record` is LUserSettingsRecord or LSharedSettingsRecord. Two
+// processes that add to one list at the same moment can take the same number.
 template <typename Record>
 class LSettingsListTemplate {
 public:
     static constexpr int kMaxRecords = 10000;  // also what a mangled count is held to
+
+    // A record of the list. Its field "ID" belongs to the list, whose mark of a taken number it is.
+    class LEntry : private Record {
+    public:
+        using Record::DeleteRecord;
+        using Record::GetString;
+        using Record::Record;
+        // False, and nothing stored, also for "ID".
+        bool SetString(std::string_view name, std::string_view value) {
+            return name != kMark && Record::SetString(name, value);
+        }
+    };
 
     explicit LSettingsListTemplate(std::string_view section) : section_(section) {}
 
@@ -25,9 +37,9 @@ public:
     std::optional<int> CreateNewRecord() {
         int number = 1;
         while (TestRecordExists(number)) ++number;
-        if (number > kMaxRecords || !Open(number).SetString("ID", std::to_string(number))) {
-            return std::nullopt;
-        }
+        if (number > kMaxRecords) return std::nullopt;
+        Record record(Record::SectionOf(section_, number));
+        if (!record.SetString(kMark, std::to_string(number))) return std::nullopt;
         Record list(section_);
         if (number > Highest() && !list.SetString("Count", std::to_string(number))) {
             return std::nullopt;
@@ -36,14 +48,15 @@ public:
     }
 
     // A view of record `number`, whether it exists or not.
-    Record Open(int number) const { return Record(Record::SectionOf(section_, number)); }
+    LEntry Open(int number) const { return LEntry(Record::SectionOf(section_, number)); }
     bool TestRecordExists(int number) const {
-        return Open(number).GetString("ID") == std::to_string(number);
+        return Open(number).GetString(kMark) == std::to_string(number);
     }
     bool Delete(int number) { return TestRecordExists(number) && Open(number).DeleteRecord(); }
 
 private:
     friend class LSettingsListIteratorTemplate<Record>;
+    static constexpr std::string_view kMark = "ID";
     int Highest() const {
         return std::clamp(ParseStoredInt(Record(section_).GetString("Count")), 0, kMaxRecords);
     }
@@ -60,7 +73,7 @@ public:
     }
     bool IsValid() const { return number_ <= highest_; }
     int Number() const { return number_; }
-    Record Current() const { return list_.Open(number_); }
+    auto Current() const { return list_.Open(number_); }
     void Next() {
         do {
             ++number_;

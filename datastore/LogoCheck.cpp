@@ -1,7 +1,8 @@
 #include "datastore/LogoCheck.h"
 
+#include <sys/stat.h>
+
 #include "datastore/NumberText.h"
-#include "platform/FileIo.h"
 
 namespace {
 
@@ -12,6 +13,11 @@ struct LLogoBounds {
 };
 constexpr LLogoBounds kInchBounds{0.2, 8, "in"};
 constexpr LLogoBounds kMillimetreBounds{5, 200, "mm"};
+
+bool IsFile(const std::string& path) {
+    struct stat status {};
+    return ::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+}
 
 std::string HeightMessage(const LProfile& profile, std::string_view relation, double bound,
                           const LLogoBounds& bounds) {
@@ -27,7 +33,7 @@ LFieldError<LLogoField> CheckLogo(const LProfile& profile, std::string_view file
                                   std::string_view height) {
     using LError = LFieldError<LLogoField>;
     const std::string path(file);
-    if (!path.empty() && (!FileExists(path) || FolderExists(path))) {
+    if (!path.empty() && !IsFile(path)) {
         return LError::At(LLogoField::kFile,
                           "The logo image file does not exist. Please click on the Browse button "
                           "and locate the file. If you do not want a logo leave the field entirely "

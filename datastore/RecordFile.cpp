@@ -46,7 +46,10 @@ LFileDescriptor OpenRecordToWrite(const char* path) {
 // One read tells the size of most files: it leaves room in the buffer.
 bool LFileText::Read(int fd) {
     large_ = nullptr;
-    const ssize_t got = ::read(fd, small_.data(), small_.size());
+    ssize_t got = 0;
+    do {
+        got = ::read(fd, small_.data(), small_.size());
+    } while (got < 0 && errno == EINTR);
     size_ = got < 0 ? 0 : static_cast<size_t>(got);
     if (size_ < small_.size()) return got >= 0;
     return ReadLarge(fd);

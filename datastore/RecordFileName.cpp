@@ -1,9 +1,9 @@
 #include "datastore/RecordFileName.h"
 
-#include <array>
+#include <algorithm>
 
 #include "datastore/RecordText.h"
-#include "platform/LSharedLibrary.h"
+#include "datastore/Sha256Digest.h"
 #include "platform/TextLimits.h"
 
 namespace {
@@ -17,26 +17,16 @@ constexpr size_t kHexBytes = 64;
 constexpr size_t kTailBytes = kDigestMark.size() + kHexBytes;
 constexpr size_t kKeptBytes = kMaxNameBytes - kTailBytes;
 
-std::string HexDigest(std::string_view text) {
-    using Sha256 = unsigned char*(const unsigned char*, size_t, unsigned char*);
-    static const LSharedLibrary crypto("libcrypto.so.3");
-    const auto sha256 = crypto.Find<Sha256>("SHA256");
-    if (sha256 == nullptr) return {};
-    std::array<unsigned char, kHexBytes / 2> digest{};
-    sha256(reinterpret_cast<const unsigned char*>(text.data()), text.size(), digest.data());
-    std::string hex;
-    for (const unsigned char byte : digest) {
-        hex += "0123456789ABCDEF"[byte >> 4];
-        hex += "0123456789ABCDEF"[byte & 15];
-    }
-    return hex;
-}
-
 bool IsShortened(std::string_view name) {
     if (name.size() <= kTailBytes) return false;
     const std::string_view tail = name.substr(name.size() - kTailBytes);
     return tail.starts_with(kDigestMark) &&
            tail.find_first_not_of("0123456789ABCDEF", kDigestMark.size()) == std::string_view::npos;
+}
+
+bool NeedsNoEncoding(std::string_view key) {
+    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+    return key.size() <= kMaxNameBytes && std::all_of(key.begin(), key.end(), isDigit);
 }
 
 // Without its last escape where the cut fell inside it.
@@ -54,17 +44,22 @@ std::string ShortenedName(std::string_view key, std::string_view encoded) {
         const std::string name = EncodeText(key.substr(0, kept)) + std::string(key.substr(kept));
         if (name.size() <= kMaxNameBytes) return name;
     }
-    const std::string digest = HexDigest(key);
-    if (digest.empty()) return {};
-    return std::string(CutEncoded(encoded, kKeptBytes)) + std::string(kDigestMark) + digest;
+    return std::string(CutEncoded(encoded, kKeptBytes)) + std::string(kDigestMark) +
+           Sha256Digest(key);
 }
 
 }  // namespace
 
 std::string RecordFileName(std::string_view key) {
     key = CutText(key);
-    std::string name = EncodeText(key);
-    if (name.size() > kMaxNameBytes) name = ShortenedName(key, name);
+    std::string name;
+    if (NeedsNoEncoding(key)) {  // most keys are numbers
+        name.reserve(key.size() + kExtension.size());
+        name = key;
+    } else {
+        name = EncodeText(key);
+        if (name.size() > kMaxNameBytes) name = ShortenedName(key, name);
+    }
     if (!name.empty()) name += kExtension;
     return name;
 }

@@ -7,7 +7,7 @@
 // The file's name with its extension: the key encoded as record text, ".dat". A name longer than
 // the file system takes (255 bytes) becomes the encoded key's beginning, "@@", and the SHA-256
 // digest of the whole key, so that two keys never share a file; the key itself is then noted in the
-// file (KeyNote). Empty for an empty key, and when no digest can be had.
+// file (KeyNote). Empty only for an empty key.
 std::string RecordFileName(std::string_view key);
 
 // What the text of the record begins with, before its fields: empty for most keys; for one whose

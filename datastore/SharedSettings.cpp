@@ -23,7 +23,8 @@ constexpr int kLockRounds = 30;
 constexpr int kLockRoundMs = 320;
 
 bool IsLetter(char byte) {
-    return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') || byte == '_';
+    return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') || byte == '_' ||
+           static_cast<unsigned char>(byte) >= 0x80;
 }
 
 bool IsElementName(std::string_view name) {

@@ -9,10 +9,10 @@ namespace pugi {
 class xml_document;
 }
 
-// Section and name are names of XML elements, of ASCII letters, digits, "_", "-" and ".", not
-// beginning with a digit, "-" or "."; any other is never there and cannot be stored. Any thread and
-// any process: the file is locked while a setting is changed, for about ten seconds at most.
-// False when nothing was stored.
+// Section and name are names of XML elements, of letters (any byte beyond ASCII counts as one),
+// digits, "_", "-" and ".", not beginning with a digit, "-" or "."; any other is never there and
+// cannot be stored. Any thread and any process: the file is locked while a setting is changed, for
+// about ten seconds at most. False when nothing was stored.
 bool LSharedSettingSetString(std::string_view section, std::string_view name,
                              std::string_view value);
 std::string LSharedSettingGetString(std::string_view section, std::string_view name,

@@ -30,13 +30,15 @@ bool BeginsReal(std::string_view text) {
 }
 
 // Beyond what a double holds: too small, or too large?
-bool IsTooSmall(std::string_view digits) {
-    const size_t exponent = digits.find_first_of("eE");
-    if (exponent != std::string_view::npos && digits.substr(exponent + 1).starts_with('-')) {
-        return true;
-    }
-    return digits.substr(0, digits.find_first_not_of("0123456789")).find_first_not_of('0') ==
-           std::string_view::npos;
+bool IsTooSmall(std::string_view number) {
+    const size_t mantissaEnd = std::min(number.find_first_of("eE"), number.size());
+    const std::string_view mantissa = number.substr(0, mantissaEnd);
+    const size_t firstDigit = mantissa.find_first_of("123456789");
+    if (firstDigit == std::string_view::npos) return true;
+    const size_t point = std::min(mantissa.find('.'), mantissa.size());
+    const int64_t exponent =
+        mantissaEnd == number.size() ? 0 : ParseStoredInt(number.substr(mantissaEnd + 1));
+    return exponent + static_cast<int64_t>(point) - static_cast<int64_t>(firstDigit) < 0;
 }
 
 }  // namespace
@@ -70,7 +72,7 @@ double ParseStoredReal(std::string_view text) {
     double value = 0;
     const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), value);
     if (result.ec == std::errc::result_out_of_range || std::isinf(value)) {
-        value = IsTooSmall(digits) ? 0 : std::numeric_limits<double>::max();
+        value = IsTooSmall({digits.data(), result.ptr}) ? 0 : std::numeric_limits<double>::max();
     }
     return negative ? -value : value;
 }

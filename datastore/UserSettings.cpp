@@ -11,7 +11,13 @@
 
 namespace {
 
-constexpr std::string_view kNamesOfRecord = "Names";
+// A name that no caller of the record can use.
+constexpr std::string_view kNamesOfRecord;
+
+// "/" leads into the section of another record.
+bool IsFieldName(std::string_view name) {
+    return !name.empty() && name.find('/') == std::string_view::npos;
+}
 
 std::string SettingKey(std::string_view section, std::string_view name) {
     std::string key(section);
@@ -77,6 +83,7 @@ std::string LUserSettingGetPassword(std::string_view section, std::string_view n
 }
 
 bool LUserSettingsRecord::SetString(std::string_view name, std::string_view value) {
+    if (!IsFieldName(name)) return false;
     std::vector<std::string> names = NamesOfRecord(section_);
     // The name first: a value that no list knows could never be deleted.
     if (std::find(names.begin(), names.end(), name) == names.end()) {

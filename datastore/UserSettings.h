@@ -27,11 +27,12 @@ std::string LUserSettingGetPassword(std::string_view section, std::string_view n
                                     std::string_view defaultValue);
 
 // The settings of one section as a record. It remembers the names it was given, so that all of them
-// can be deleted; it keeps nothing in memory.
+// can be deleted: in the setting with the empty name ("Section/"). It keeps nothing in memory.
 class LUserSettingsRecord {
 public:
     explicit LUserSettingsRecord(std::string_view section) : section_(section) {}
 
+    // False, and nothing stored, also for an empty name and one with "/".
     bool SetString(std::string_view name, std::string_view value);
     std::string GetString(std::string_view name, std::string_view defaultValue = {}) const;
     bool DeleteRecord();

@@ -139,7 +139,7 @@ TEST_F(FileStoreFaults, ADiskThatRefusesToCutLeavesTheNewText) {
 
 TEST_F(FileStoreFaults, NewKeysWorkWithoutNamelessFilesAndWithoutAWatch) {
     const std::pair<LStoreCall, int> kMissing[] = {{LStoreCall::kLinkat, ENOENT},
-                                                   {LStoreCall::kInotifyInit, EMFILE}};
+                                                   {LStoreCall::kAddWatch, ENOSPC}};
     int made = 0;
     for (const auto& [call, error] : kMissing) {
         const LTempFolder home;

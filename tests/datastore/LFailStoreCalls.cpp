@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <cstdarg>
+#include <cstdint>
 
 // The linker sends our calls of these functions here (--wrap).
 extern "C" {
@@ -13,7 +14,7 @@ int __real_openat(int folder, const char* path, int flags, ...);
 ssize_t __real_read(int fd, void* buffer, size_t size);
 ssize_t __real_pwrite(int fd, const void* buffer, size_t size, off_t at);
 int __real_linkat(int fromFolder, const char* from, int toFolder, const char* to, int flags);
-int __real_inotify_init1(int flags);
+int __real_inotify_add_watch(int fd, const char* path, uint32_t mask);
 }
 
 namespace {
@@ -54,8 +55,8 @@ int __wrap_linkat(int fromFolder, const char* from, int toFolder, const char* to
     return Fails(LStoreCall::kLinkat) ? -1 : __real_linkat(fromFolder, from, toFolder, to, flags);
 }
 
-int __wrap_inotify_init1(int flags) {
-    return Fails(LStoreCall::kInotifyInit) ? -1 : __real_inotify_init1(flags);
+int __wrap_inotify_add_watch(int fd, const char* path, uint32_t mask) {
+    return Fails(LStoreCall::kAddWatch) ? -1 : __real_inotify_add_watch(fd, path, mask);
 }
 
 }  // extern "C"

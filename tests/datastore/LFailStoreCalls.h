@@ -1,7 +1,7 @@
 // The store's own system calls, failing where a test wants it.
 #pragma once
 
-enum class LStoreCall { kAny, kOpenat, kRead, kPwrite, kLinkat, kInotifyInit };
+enum class LStoreCall { kAny, kOpenat, kRead, kPwrite, kLinkat, kAddWatch };
 
 // While it lives, the `n`-th call (from 1) of that kind fails with `error`, and so does every later
 // one with `n` = 0, counted from the first. One at a time; nothing but the store may run meanwhile.

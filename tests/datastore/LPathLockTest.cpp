@@ -26,7 +26,7 @@ public:
               while (!leave_) std::this_thread::sleep_for(milliseconds(1));
           }) {
         while (!started_) std::this_thread::yield();
-        std::this_thread::sleep_for(milliseconds(50));  // until it stands in the queue
+        std::this_thread::sleep_for(milliseconds(100));  // until it stands in the queue
     }
     ~Visitor() { Leave(); }
     void Leave() {
@@ -47,7 +47,7 @@ TEST(LPathLock, ServesInTheOrderOfComing) {
     std::mutex mutex;
     std::vector<int> served;
     const auto servedSoFar = [&] {
-        std::this_thread::sleep_for(milliseconds(50));
+        std::this_thread::sleep_for(milliseconds(100));
         const std::lock_guard lock(mutex);
         return served;
     };

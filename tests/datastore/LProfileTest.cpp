@@ -268,6 +268,24 @@ TEST(Profile, AnotherFolderIsAnotherBusiness) {
     EXPECT_FALSE(std::filesystem::exists(home.File("gone")));
 }
 
+TEST(Profile, AFolderEmptiedMeanwhileIsSetUpAnew) {
+    namespace fs = std::filesystem;
+    const LTempHome home;
+    fs::create_directory(home.File("other"));
+    LProfile profile(home.File("other"));
+    const LFileStoreListBase& items = profile.Items();
+    fs::remove_all(home.File("other"));
+    fs::create_directory(home.File("other"));
+    profile.Reload();
+    EXPECT_EQ(home.ReadFile("other/Locations/1.dat"), "Name=Main");
+    EXPECT_NE(home.ReadFile("other/Misc/Options.dat"), "");
+    LRecord item;
+    items.CreateNewRecord(item);
+    item.SetString("Name", "Bolt");
+    EXPECT_TRUE(item.Flush());
+    EXPECT_EQ(home.ReadFile("other/Items/1.dat"), "Name=Bolt");
+}
+
 TEST(Profile, AFolderThatCannotBeWrittenStillGivesAProfile) {
     const LTempHome home;
     home.WriteFile("data", "a file where the data folder should be");
@@ -307,6 +325,8 @@ TEST(LogoCheck, RefusesWhatCannotBePrinted) {
     const LTempHome home;
     home.WriteFile("logo.png", "x");
     const std::string logo = home.File("logo.png");
+    std::filesystem::create_symlink(logo, home.File("link.png"));
+    std::filesystem::create_symlink(home.File("none.png"), home.File("dangling.png"));
     const std::string missing =
         "The logo image file does not exist. Please click on the Browse button and locate the "
         "file. If you do not want a logo leave the field entirely blank.";
@@ -322,6 +342,9 @@ TEST(LogoCheck, RefusesWhatCannotBePrinted) {
         {"1", logo, "1.5", ""},
         {"0", home.File("none.png"), "20", missing},
         {"0", home.Path(), "20", missing},
+        {"0", "/dev/null", "20", missing},
+        {"0", home.File("dangling.png"), "20", missing},
+        {"0", home.File("link.png"), "20", ""},
         {"0", logo, "", low + "5 mm"},
         {"0", logo, "-3", low + "5 mm"},
         {"0", logo, "tall", low + "5 mm"},

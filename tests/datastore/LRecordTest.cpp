@@ -115,6 +115,9 @@ TEST(LRecord, NumbersOfEveryText) {
         {"1e999", 1, 1, kMaxReal},
         {"-1e999", -1, -1, -kMaxReal},
         {"1e-999", 1, 1, 0},
+        {"0.001e999", 0, 0, kMaxReal},
+        {"1000e-999", 1000, 1000, 0},
+        {"0e999", 0, 0, 0},
         {"\x7f"
          "5",
          0, 0, 0},
@@ -126,6 +129,9 @@ TEST(LRecord, NumbersOfEveryText) {
         EXPECT_EQ(record.GetInt64("n", 9), c.number64) << c.text;
         EXPECT_EQ(record.GetFloat("n", 9), c.real) << c.text;
     }
+    LRecord record;
+    record.SetString("n", std::string(400, '9') + " 1e-5");
+    EXPECT_EQ(record.GetFloat("n", 9), kMaxReal) << "what follows a number does not count";
 }
 
 TEST(LRecord, MissingEmptyAndDeletedFieldsRead) {

@@ -108,8 +108,8 @@ TEST_F(NewKeys, StartAnewWhereTheFolderIsAnotherOne) {
 }
 
 TEST_F(NewKeys, OfManyListsInTurn) {
-    for (int round = 1; round <= 3; ++round) {  // more lists than are remembered
-        for (int list = 0; list < 40; ++list) {
+    for (int round = 1; round <= 2; ++round) {  // more lists than are remembered
+        for (int list = 0; list < 70; ++list) {
             EXPECT_EQ(Create("List" + std::to_string(list)), std::to_string(round));
         }
     }

@@ -6,6 +6,7 @@
 
 #include "datastore/LFileStoreListBase.h"
 #include "datastore/RecordText.h"
+#include "datastore/Sha256Digest.h"
 #include "tests/support/LTempFolder.h"
 
 namespace {
@@ -24,16 +25,16 @@ TEST(MakeDataFilePath, EncodesTheKeyAndCutsAt259Bytes) {
     };
     EXPECT_EQ(nameOf("A/B c"), "/db/Items/A%2FB%20c.dat");
     EXPECT_EQ(nameOf("../x"), "/db/Items/..%2Fx.dat");
-    EXPECT_EQ(nameOf(std::string(300, 'k')), "/db/Items/" + std::string(259, 'k') + ".dat");
+    EXPECT_EQ(nameOf(Repeat("k", 300)), "/db/Items/" + Repeat("k", 259) + ".dat");
     // 86 escapes are 258 bytes, so the cut leaves the percent sign of the next.
-    EXPECT_EQ(nameOf(std::string(87, ' ')), "/db/Items/" + Repeat("%20", 86) + "%.dat");
+    EXPECT_EQ(nameOf(Repeat(" ", 87)), "/db/Items/" + Repeat("%20", 86) + "%.dat");
 }
 
 TEST(RecordFileName, IsThePlainEncodingAsLongAsTheFileSystemTakesIt) {
     EXPECT_EQ(RecordFileName("A/B c"), "A%2FB%20c.dat");
     EXPECT_EQ(RecordFileName(""), "");
-    EXPECT_EQ(RecordFileName(std::string(251, 'k')), std::string(251, 'k') + ".dat");
-    EXPECT_EQ(KeyNote(std::string(251, 'k')), "");
+    EXPECT_EQ(RecordFileName(Repeat("k", 251)), Repeat("k", 251) + ".dat");
+    EXPECT_EQ(KeyNote(Repeat("k", 251)), "");
     EXPECT_EQ(KeyOfRecordFile("a+b%2fc.dat", ""), "a b/c");
     EXPECT_EQ(KeyOfRecordFile(".dat", ""), "") << "no key at all";
     EXPECT_EQ(KeyOfRecordFile("%00.dat", ""), "");
@@ -41,14 +42,33 @@ TEST(RecordFileName, IsThePlainEncodingAsLongAsTheFileSystemTakesIt) {
         << "a note counts only in a shortened file";
 }
 
+// Lengths around the end of a block; expected values from the system's own checksum program.
+TEST(Sha256Digest, IsTheOneOfOtherPrograms) {
+    struct Case {
+        int length;
+        const char* digest;
+    };
+    const Case kCases[] = {
+        {0, "E3B0C44298FC1C149AFBF4C8996FB92427AE41E4649B934CA495991B7852B855"},
+        {1, "8254C329A92850F6D539DD376F4816EE2764517DA5E0235514AF433164480D7A"},
+        {55, "94ABCC11F65698688FFC2858EFB9B3D55F20C579ABAAD82735AE6817887595F4"},
+        {56, "493A700B8FD71C2A186C018E1D3A9B1BEBBCEC358A13DAA67E76A788FDDC2E07"},
+        {64, "2519B49BCF69FEAC270AC3C8631539E8CAED4C7E6A62C6CC5511228A61780745"},
+        {252, "2E9724A8898370C48875CEE88C8408EC0E33E876912DC67B5A2C7A4D1793B2AD"},
+    };
+    for (const Case& c : kCases) EXPECT_EQ(Sha256Digest(std::string(c.length, 'k')), c.digest);
+    EXPECT_EQ(Sha256Digest("\u00E4"),
+              "33E6D73FEE82904C8D7AFB78DE1154D1E8DC2A0EDB08120E63DF5B9385C2D9CC");
+}
+
 TEST(RecordFileName, LongKeysNeverShareAFileAndAreFoundAgain) {
     std::set<std::string> names;
     std::vector<std::string> keys;
     for (const std::string& base :
-         {std::string(251, 'k'), Repeat("ä", 100), Repeat("a ", 120), Repeat("%", 84)}) {
+         {Repeat("k", 251), Repeat("ä", 100), Repeat("a ", 120), Repeat("%", 84)}) {
         for (const char* tail : {"1", "2", " ", "@@"}) keys.push_back(base + tail);
     }
-    keys.push_back(std::string(252, 'k'));
+    keys.push_back(Repeat("k", 252));
     for (const std::string& key : keys) {
         const std::string name = RecordFileName(key);
         EXPECT_LE(name.size(), 255U);

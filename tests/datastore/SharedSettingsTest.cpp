@@ -64,6 +64,17 @@ TEST(SharedSettings, NamesThatAreNoElementsAreRefused) {
     EXPECT_EQ(home.ReadFile(kFile), before);
 }
 
+TEST(SharedSettings, NamesMayBeOfAnyLanguage) {
+    const LTempHome home;
+    for (const char* name : {"Größe", "Élan", "設定", "\xFF\xFE"}) {
+        EXPECT_TRUE(LSharedSettingSetString(name, name, name)) << name;
+    }
+    for (const char* name : {"Größe", "Élan", "設定"}) {
+        EXPECT_EQ(LSharedSettingGetString(name, name, "d"), name);
+    }
+    EXPECT_EQ(LSharedSettingGetString("\xFF\xFE", "\xFF\xFE", "d"), "\xFF\xFE");
+}
+
 TEST(SharedSettings, ADamagedFileIsMetWithoutHarm) {
     for (const std::string& text :
          {std::string(), std::string("no xml"), std::string("<A><b value="),

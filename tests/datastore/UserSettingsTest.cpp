@@ -146,6 +146,19 @@ TYPED_TEST(SettingsList, KeepsNumberedRecords) {
     EXPECT_EQ(this->list_.Open(3).GetString("Name"), "P3");
 }
 
+TYPED_TEST(SettingsList, ItsOwnNotesAreOutOfReach) {
+    ASSERT_EQ(this->list_.CreateNewRecord(), 1);
+    auto record = this->list_.Open(1);
+    ASSERT_TRUE(record.SetString("Paper", "A4"));
+    ASSERT_TRUE(record.SetString("Names", "a field like others"));
+    EXPECT_EQ(record.GetString("Names"), "a field like others");
+    for (const char* name : {"ID", "", "/"}) EXPECT_FALSE(record.SetString(name, "x")) << name;
+    EXPECT_FALSE(TypeParam("Printers").SetString("1/", "x"));
+    EXPECT_TRUE(this->list_.TestRecordExists(1));
+    ASSERT_TRUE(this->list_.Delete(1));
+    for (const char* name : {"ID", "Paper", "Names"}) EXPECT_EQ(record.GetString(name), "") << name;
+}
+
 TYPED_TEST(SettingsList, MeetsAMangledCount) {
     ASSERT_EQ(this->list_.CreateNewRecord(), 1);
     for (const char* count : {"-5", "many", ""}) {
