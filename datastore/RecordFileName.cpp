@@ -41,7 +41,7 @@ std::string_view CutEncoded(std::string_view encoded, size_t maxBytes) {
 std::string ShortenedName(std::string_view key, std::string_view encoded) {
     if (IsShortened(key)) {  // the key of a file whose note was lost: it says which file it means
         const size_t kept = key.size() - kTailBytes;
-        const std::string name = EncodeText(key.substr(0, kept)) + std::string(key.substr(kept));
+        std::string name = EncodeText(key.substr(0, kept)) + std::string(key.substr(kept));
         if (name.size() <= kMaxNameBytes) return name;
     }
     return std::string(CutEncoded(encoded, kKeptBytes)) + std::string(kDigestMark) +

@@ -107,6 +107,22 @@ TEST_F(NewKeys, StartAnewWhereTheFolderIsAnotherOne) {
     EXPECT_EQ(Create(), "2");
 }
 
+// A restore puts another database in the place of the one before; the list folder itself was never
+// moved then.
+TEST_F(NewKeys, StartAnewWhereTheDatabaseIsAnotherOne) {
+    const auto create = [this] {
+        std::filesystem::create_directory(home_.File("Business"));
+        return Create("Business/Items");
+    };
+    EXPECT_EQ(create(), "1");
+    EXPECT_EQ(create(), "2");
+    Move("Business", "Before");
+    EXPECT_EQ(create(), "1");
+    std::filesystem::remove_all(home_.File("Business"));
+    Move("Before", "Business");
+    EXPECT_EQ(create(), "3");
+}
+
 TEST_F(NewKeys, OfManyListsInTurn) {
     for (int round = 1; round <= 2; ++round) {  // more lists than are remembered
         for (int list = 0; list < 70; ++list) {
