@@ -129,7 +129,6 @@ constexpr LWebScript WebScriptArray[] = {
 void LWebControl::StartServer() {
     InstallAccountScripts();
     InstallFrameworkScripts();
-    LWebletInstallScript("uploadProgress", WLNotBuilt);
     for (const LWebScript& row : WebScriptArray) LWebletInstallScript(row.name, row.script);
     LWebletServer::StartServer();
 }

@@ -4,6 +4,7 @@
 
 #include "web/accounts/WebDialogEAHelper.h"
 #include "web/framework/LWebDialog.h"
+#include "web/framework/LWebDialogUploadFiles.h"
 #include "web/framework/LWebDialogWithNavTabs.h"
 #include "web/framework/LWebPageMain.h"
 #include "web/framework/LWebPageWithNavTabs.h"
@@ -11,7 +12,10 @@
 template <typename Base>
 class LCheckedPage : public Base, public WebDialogEAHelper {
 public:
-    explicit LCheckedPage(LWebletForm& form) : Base(form), WebDialogEAHelper(form) {}
+    // What `Base` takes beside the form.
+    template <typename... Arguments>
+    explicit LCheckedPage(LWebletForm& form, const Arguments&... arguments)
+        : Base(form, arguments...), WebDialogEAHelper(form) {}
 
 protected:
     bool Authenticate() override { return AuthenticateEx(this->Form()); }
@@ -41,6 +45,10 @@ public:
 class LWebDialogEA : public LCheckedDialog<LWebDialog> {
 public:
     using LCheckedDialog::LCheckedDialog;
+};
+class LWebDialogEAUploadFilesWithNavTabs : public LCheckedDialog<LWebDialogUploadFiles> {
+public:
+    using LCheckedDialog::LCheckedDialog;  // (form) or (form, maxBytes)
 };
 class LWebDialogEAWithNavTabs : public LCheckedDialog<LWebDialogWithNavTabs> {
 public:

@@ -1,5 +1,5 @@
 // The page names that the framework itself answers.
 #pragma once
 
-// Installs "saveItemDialogTab". Before the server installs its table.
+// Installs "uploadProgress" and "saveItemDialogTab". Before the server installs its table.
 void InstallFrameworkScripts();

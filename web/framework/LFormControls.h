@@ -77,6 +77,10 @@ public:
     LFormControls& AddEditablePullDownList(int id, std::span<const std::string> texts,
                                            std::string_view value,
                                            const LInputOptions& options = {});
+    // An input that a file is chosen with, in an upload dialog. `accept` is what browsers offer,
+    // such as "image/*".
+    LFormControls& AddFileInput(int id, std::string_view accept = {},
+                                const LInputOptions& options = {});
     LFormControls& AddDateInput(int id, const std::optional<LDate>& date);
     LFormControls& AddButton(int id, std::string_view caption, std::string_view script);
     LFormControls& AddHyperLinkSpanRightSmall(std::string_view target, std::string_view caption);

@@ -185,6 +185,15 @@ LFormControls& LFormControls::AddEditablePullDownList(int id, std::span<const st
     return *this;
 }
 
+LFormControls& LFormControls::AddFileInput(int id, std::string_view accept,
+                                           const LInputOptions& options) {
+    StartInput(id, "file");
+    if (!accept.empty()) out_.Printf(" accept='%H'", accept);
+    PrintLook(id, options);
+    PrintHint(id, options);
+    return *this;
+}
+
 LFormControls& LFormControls::AddDateInput(int id, const std::optional<LDate>& date) {
     StartInput(id, "date");
     out_.Printf(" value='%H'>", date ? date->ToStored() : std::string());

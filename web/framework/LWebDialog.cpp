@@ -117,7 +117,7 @@ void LWebDialog::RunSpecial(const std::string& pressed) {
 // `target` when it was done.
 void LWebDialog::RunCommand(const std::function<bool()>& command, const std::string& target) {
     if (command && MayChange()) {
-        if (!TakeToken()) return;
+        if (!CheckReceived() || !TakeToken()) return;
         if (!command()) {
             if (usesToken_ && !tokenStaysSpent_) {
                 GiveBackOneTimeToken(Form(), Form().Parameter(kTokenField));

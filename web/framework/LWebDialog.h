@@ -50,8 +50,13 @@ protected:
     virtual void CmCancel() {}
     // Decides whether a pressed OK or special submit may act; a false one passes for done.
     virtual bool MayChange() { return true; }
+    // Before a pressed OK or special submit acts: false, and the reason shown, when not all of what
+    // was sent has arrived.
+    virtual bool CheckReceived() { return true; }
     // Above the form, below the header.
     virtual void PrintAboveForm() {}
+    // Behind the form: the functions that a submit needs.
+    virtual void AddDialogScript();
 
     // While answering a submit: the script that leads there; otherwise a redirect.
     void Redirect(std::string_view page) override;
@@ -132,7 +137,6 @@ private:
     void PrintButtonRow();
     void PrintButton(std::string_view label, std::string_view attributes);
     void PrintHiddenTail();
-    void AddDialogScript();
 
     bool inSubmit_ = false, answered_ = false;
     bool withCancel_ = true, usesToken_ = false, tokenStaysSpent_ = false;

@@ -38,7 +38,7 @@ public:
     bool HasUnreadInput() const { return start_ < end_; }
     // A refusal leaves part of the request unread; the end of the connection then takes care that
     // the client still gets to read the answer.
-    void SetInputLeft() { inputLeft_ = true; }
+    void SetInputLeft(bool isLeft) { inputLeft_ = isLeft; }
     bool IsInputLeft() const { return inputLeft_; }
     // The client gets no answer, so its end need not be gentle either.
     void ForgetInput() {

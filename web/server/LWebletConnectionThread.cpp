@@ -1,19 +1,18 @@
 #include "web/server/LWebletConnectionThread.h"
 
-#include <chrono>
 #include <exception>
 
 #include "service/control/LServiceLog.h"
 #include "web/server/LWebletForm.h"
 #include "web/server/LWebletScripts.h"
 #include "web/server/MimeTypes.h"
+#include "web/server/PostBody.h"
 #include "web/server/ServeFile.h"
 #include "web/server/WebletOutput.h"
 
 namespace {
 
 constexpr int kSendMs = 20000;
-constexpr uint64_t kMaxPostBytes = 3000000;
 constexpr int kPostExtraMs = 40000;
 constexpr double kFirstKeptVersion = 1.1;
 constexpr std::string_view kHelpPrefix = "help/";
@@ -24,8 +23,6 @@ constexpr std::string_view kNotImplemented =
     "HTTP/1.1 501 Not Implemented\r\nConnection: close\r\n\r\n";
 constexpr std::string_view kBadPath = "HTTP/1.1 404 Not Found\r\nConnection: close\r\n\r\n";
 constexpr std::string_view kOtherSite = "HTTP/1.1 403 Forbidden\r\nConnection: close\r\n\r\n";
-constexpr std::string_view kTooLong =
-    "HTTP/1.1 500 Content Length Too Long\r\nConnection: close\r\n\r\n";
 constexpr std::string_view kContinue = "HTTP/1.1 100 Continue\r\n\r\n";
 
 bool IsPathRefused(std::string_view path) {
@@ -106,7 +103,7 @@ LWebletConnectionThread::LAfter LWebletConnectionThread::Answer(LRequestReader& 
     if (IsPathRefused(request.path)) return Refuse(kBadPath);
     if (!reader.ReadHeaders(form.Headers())) return LAfter::kClose;
     mayKeepOpen_ = MayKeepOpen(request, form);
-    if (!form.IsPost() && AnnouncesBody(form)) connection_.SetInputLeft();
+    if (!form.IsPost() && AnnouncesBody(form)) connection_.SetInputLeft(true);
     ParseCookies(form.Headers().GetParm("cookie"), form.Cookies());
     form.SetPageName(request.path.substr(1));
     if (form.IsPost() && !ReceivePost(form)) return LAfter::kClose;
@@ -122,37 +119,16 @@ bool LWebletConnectionThread::ReceivePost(LWebletForm& form) {
     const uint64_t length = ParseContentLength(form.Header("content-length")).value_or(0);
     // A body that is not read to its end, as far as can be told here.
     if (postScript != nullptr || !form.Header("transfer-encoding").empty()) {
-        connection_.SetInputLeft();
+        connection_.SetInputLeft(true);
     }
     if (form.IsFromOtherSite()) return Refuse(kOtherSite), false;
-    if (postScript == nullptr && length > kMaxPostBytes) return Refuse(kTooLong), false;
+    if (postScript == nullptr && length > kMaxPostBytes) return RefuseTooLongPost(form), false;
     if (HoldsWord(form.Header("expect"), "100-continue")) {
         connection_.ProcessSend(kContinue, kSendMs);
     }
-    if (postScript == nullptr) return length == 0 || ReadPostData(form, length);
+    if (postScript == nullptr) return length == 0 || ReadPostForm(form, length, kPostExtraMs);
     RunScript(form, postScript);
     return !form.HasAnswered() && !form.IsForceClose();
-}
-
-bool LWebletConnectionThread::ReadPostData(LWebletForm& form, uint64_t length) {
-    const auto start = std::chrono::steady_clock::now();
-    std::string body;
-    const LSocketResult result =
-        connection_.ReadExactly(body, length, static_cast<int>(length) + kPostExtraMs);
-    if (result == LSocketResult::kOk) {
-        form.Parameters().LoadHTTPStringUTF8(body);
-        return true;
-    }
-    if (result == LSocketResult::kFailed) {
-        const auto elapsed = std::chrono::duration_cast<std::chrono::seconds>(
-            std::chrono::steady_clock::now() - start);
-        LServiceLog(
-            FormatText("LWebletConnectionThread::ThreadFunction ProcessRecvBytes (post data) "
-                       "FAILED: sending %d bytes failed after %d seconds",
-                       length, elapsed.count()),
-            {}, kLogWarning);
-    }
-    return false;
 }
 
 LWebletConnectionThread::LAfter LWebletConnectionThread::AnswerByScript(LWebletForm& form,
@@ -182,6 +158,6 @@ LWebletConnectionThread::LAfter LWebletConnectionThread::ServeFile(LWebletForm& 
 
 LWebletConnectionThread::LAfter LWebletConnectionThread::Refuse(std::string_view answer) {
     connection_.ProcessSend(answer, kSendMs);
-    connection_.SetInputLeft();
+    connection_.SetInputLeft(true);
     return LAfter::kClose;
 }

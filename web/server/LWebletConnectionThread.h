@@ -25,7 +25,6 @@ private:
     LAfter ServeRequest(LRequestReader& reader, const LRequestLine& request);
     LAfter Answer(LRequestReader& reader, const LRequestLine& request, LWebletForm& form);
     bool ReceivePost(LWebletForm& form);  // false: the connection is to be closed
-    bool ReadPostData(LWebletForm& form, uint64_t length);
     LAfter AnswerByScript(LWebletForm& form, LWebletScript script);
     LAfter RedirectToGuide(LWebletForm& form);
     LAfter ServeFile(LWebletForm& form);

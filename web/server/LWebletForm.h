@@ -9,6 +9,7 @@
 #include "datastore/LHashTable.h"
 #include "datastore/LProfile.h"
 #include "platform/LFileDescriptor.h"
+#include "web/server/LWebPostFile.h"
 #include "web/server/LWebletSessionData.h"
 
 class LWebletConnection;  // the connection thread's side: socket, buffered reading, sending
@@ -63,8 +64,10 @@ public:
     bool HasAnswered() const { return answered_; }
     void SetAnswered() { answered_ = true; }
 
-    // A file that is being received; closed after the answer.
+    // The file that is being received; closed after the answer.
     LFileDescriptor& UploadFile() { return uploadFile_; }
+    // The files that came with the request; deleted after the answer, save those that were kept.
+    LWebPostFiles& PostFiles() { return postFiles_; }
 
 private:
     LWebletConnection& connection_;
@@ -75,5 +78,6 @@ private:
     uint32_t clientAddress_ = 0;
     bool isPost_ = false, selfDelimited_ = false, forceClose_ = false, answered_ = false;
     LFileDescriptor uploadFile_;
+    LWebPostFiles postFiles_;
     std::unique_ptr<LProfile> profile_;
 };

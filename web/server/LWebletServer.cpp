@@ -4,6 +4,8 @@
 #include "platform/Folders.h"
 #include "service/control/LServiceControl.h"
 #include "service/control/LServiceLog.h"
+#include "web/server/LWebPostFile.h"
+#include "web/server/LWebletSessionData.h"
 #include "web/server/WebFolder.h"
 #include "web/server/WebletOutput.h"
 
@@ -57,6 +59,7 @@ void LWebletServer::UpdateServerUnsecure() {
 void LWebletServer::StartListener() {
     const std::string folder = WebFolder();
     RefreshWebFolder(folder);
+    SweepUploads(LWebletSessionData::Folder());
     listener_.Configure(ListenPort(), folder);
     if (!listener_.Start()) LServiceLog("cannot start the web server's thread", {}, kLogError);
 }

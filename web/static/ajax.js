@@ -27,13 +27,15 @@ function LForgetTold() {
     if (box) box.remove();
 }
 
-// Posts `params` ("name=value&...") to a page of this server and hands the answer to `onAnswer`.
-// Without an answer it says so and calls `onError` or `onTimeout`.
+// Posts `params` ("name=value&...", or FormData) to a page of this server and hands the answer to
+// `onAnswer`. Without an answer it says so and calls `onError` or `onTimeout`.
 function SimpleAjaxCall(url, params, onAnswer, onError, onTimeout, timeoutMs) {
     const request = new XMLHttpRequest();
     request.open('POST', url, true);
     request.timeout = timeoutMs || 0;
-    request.setRequestHeader('Content-Type', 'application/x-www-form-urlencoded');
+    if (typeof params === 'string') {
+        request.setRequestHeader('Content-Type', 'application/x-www-form-urlencoded');
+    }
     const failed = function(message, callback) {
         LTell(message);
         if (callback) callback();
@@ -91,7 +93,9 @@ function LSubmitDialog() {
     if (buttons.some(button => button.disabled)) return false;  // one is on its way
     if (!document.pressed) document.pressed = form.elements.submitdef.value;
     if (document.pressed !== 'Cancel' && !validatedata()) return false;
-    CmSubmit();
+    // Where files can be sent, postfile.js knows how.
+    const sendsFiles = window.LSubmitFiles && document.pressed !== 'Cancel' && LSubmitFiles(form);
+    if (!sendsFiles) CmSubmit();
     document.pressed = '';
     return false;
 }
@@ -109,10 +113,15 @@ LAddEventListener(document, 'onkeydown', function(event) {
 
 // A tab of a dialog: keeps what was entered so far on the server, then goes to `target`.
 function LSaveTab(tabName, target) {
-    const params = GetParams('dialogform') + 'tabName=' + encodeURIComponent(tabName);
+    let params = GetParams('dialogform') + 'tabName=' + encodeURIComponent(tabName);
+    if (window.LChosenFiles && LChosenFiles().length > 0) {
+        if (!LFilesFit()) return false;
+        params = new FormData(document.getElementById('dialogform'));
+        params.set('tabName', tabName);
+    }
     SimpleAjaxCall('saveItemDialogTab', params, function(answer) {
         HandleAjaxJSReturn(answer);
         if (!answer.trim()) window.location = target;
-    }, null, null, 60000);
+    }, null, null, typeof params === 'string' ? 60000 : 1200000);
     return false;
 }
