@@ -1,7 +1,9 @@
 // Runs every test of the test files named below, one after the other, and counts.
 import { openBrowser } from './harness.mjs';
+import accessibility from './accessibility.test.mjs';
 import firstSale from './first_sale.test.mjs';
 import pages from './pages.test.mjs';
+import uploads from './uploads.test.mjs';
 
 const [, , executable, shots] = process.argv;
 const browser = await openBrowser();
@@ -18,7 +20,7 @@ const test = async (name, run) => {
     }
 };
 
-for (const suite of [firstSale, pages]) {
+for (const suite of [firstSale, pages, accessibility, uploads]) {
     await test(`${suite.name} runs to its end`, () => suite({ test, browser, executable, shots }));
 }
 await browser.close();

@@ -3,7 +3,7 @@ import assert from 'node:assert/strict';
 import { join } from 'node:path';
 import { Shop, listRows, logOn, openWindow } from './harness.mjs';
 
-const PAGES = ['main', 'itemlist', 'itemprop?id=1', 'iteminventoryprop?id=1', 'itempurchasesell?type=receive&id=1',
+export const PAGES = ['main', 'itemlist', 'itemprop?id=1', 'iteminventoryprop?id=1', 'itempurchasesell?type=receive&id=1',
     'itempurchasesell?type=sell', 'itemreceivelist', 'itemselllist', 'catlist', 'catprop?id=1', 'loclist',
     'locprop?id=1', 'supplierlist', 'supplierprop?id=1', 'customerlist', 'customerprop?id=1', 'userlist',
     'userprop', 'orderlist', 'itemdelete?id=1&loc=Shop%20Floor'];

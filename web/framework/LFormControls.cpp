@@ -40,7 +40,7 @@ void LFormControls::StartCell() {
 void LFormControls::FlushStatic(int labelFor) {
     if (!static_) return;
     EndCell();
-    if (labelFor != 0) {
+    if (labelFor != 0 && !static_->text.empty()) {
         out_.Printf("<td%s><label for=%d>%H</label></td>", static_->attributes, labelFor,
                     static_->text);
     } else {

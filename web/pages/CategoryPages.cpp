@@ -74,7 +74,10 @@ void LAppWebCatDialog::Generate() {
     const int stored = std::min(static_cast<int>(names.size()), kMaxSubCategories);
     for (int i = 0; i < stored + kSpareRows; ++i) {
         const std::string name = i < stored ? names[static_cast<size_t>(i)] : "";
-        StartRow().AddStatic(i == 0 ? "Sub-categories" : "").AddInput(kCatFirstSub + i, name);
+        const std::string spoken = FormatText("Sub-category %d", i + 1);
+        StartRow()
+            .AddStatic(i == 0 ? "Sub-categories" : "")
+            .AddInput(kCatFirstSub + i, name, {.name = spoken});
         AddHiddenField(std::to_string(kCatFirstOldSub + i), name);
     }
     AddHiddenField(std::to_string(kCatSubCount), std::to_string(stored + kSpareRows));
