@@ -31,6 +31,12 @@ public:
 
     // Picks an existing folder, or a file to save to; nothing when the user changed their mind.
     virtual std::optional<std::string> PickFolder(std::string_view title) = 0;
+    // The same beginning at `startFolder` where the display can (it may be empty or missing).
+    virtual std::optional<std::string> PickFolderFrom(std::string_view title,
+                                                      std::string_view startFolder) {
+        (void)startFolder;
+        return PickFolder(title);
+    }
     virtual std::optional<std::string> PickSaveFile(std::string_view title,
                                                     std::string_view extension) = 0;
 

@@ -9,6 +9,7 @@
 #include "platform/RandomSource.h"
 #include "service/control/LServiceControl.h"
 #include "service/email/EmailAddress.h"
+#include "service/engine/BackupCommands.h"
 #include "service/engine/SampleShop.h"
 #include "web/accounts/LAppWebAccount.h"
 #include "web/server/LWebletServer.h"
@@ -24,6 +25,8 @@ struct LInstallerOptions {
     std::optional<int> port;
     std::optional<bool> web;
     bool sample = false;
+    std::optional<std::string> backup, restore;  // folders
+    bool yes = false;
 };
 
 // What stands in the way, in one line; empty when nothing does.
@@ -56,9 +59,28 @@ LProblem TakeValue(const std::string& name, const std::string& value, LInstaller
         options.port = ParsePort(value);
         return options.port ? "" : "--port wants a number from 1 to 65535";
     }
+    if (name == "--backup" || name == "--restore") {
+        (name == "--backup" ? options.backup : options.restore) = value;
+        return value.empty() ? name + " wants a folder" : "";
+    }
     if (value != "on" && value != "off") return "--web wants on or off";
     options.web = value == "on";
     return {};
+}
+
+bool WantsValue(std::string_view word) {
+    return word == "--business" || word == "--admin" || word == "--port" || word == "--web" ||
+           word == "--backup" || word == "--restore";
+}
+
+// Backup and restore stand alone, and only a clear yes replaces all data.
+LProblem CheckTogether(const std::vector<std::string>& words, const LInstallerOptions& options) {
+    if (options.restore) {
+        if (!options.yes) return "--restore replaces all data: confirm with --yes";
+        return words.size() == 3 ? "" : "--restore goes with --yes and nothing else";
+    }
+    if (options.yes) return "--yes goes with --restore";
+    return !options.backup || words.size() == 2 ? "" : "--backup goes with nothing else";
 }
 
 LProblem ParseOptions(const std::vector<std::string>& words, LInstallerOptions& options) {
@@ -68,8 +90,9 @@ LProblem ParseOptions(const std::vector<std::string>& words, LInstallerOptions& 
             options.passwordFromInput = true;
         } else if (word == "--sample") {
             options.sample = true;
-        } else if (word == "--business" || word == "--admin" || word == "--port" ||
-                   word == "--web") {
+        } else if (word == "--yes") {
+            options.yes = true;
+        } else if (WantsValue(word)) {
             if (++i == words.size()) return word + " wants a value";
             const LProblem problem = TakeValue(word, words[i], options);
             if (!problem.empty()) return problem;
@@ -77,7 +100,7 @@ LProblem ParseOptions(const std::vector<std::string>& words, LInstallerOptions& 
             return "unknown option " + word;
         }
     }
-    return {};
+    return CheckTogether(words, options);
 }
 
 // One run of the installer over options that have been understood.
@@ -218,6 +241,13 @@ LProblem ReadPassword(std::istream& in, std::string& password) {
            " characters";
 }
 
+LProblem Run(const LInstallerOptions& options, const std::optional<std::string>& password,
+             std::ostream& out) {
+    if (options.backup) return LBackupFromCommandLine(*options.backup, out);
+    if (options.restore) return LRestoreFromCommandLine(*options.restore, out);
+    return LInstallation(options, out).Run(password);
+}
+
 }  // namespace
 
 int LInstallerMain(const std::vector<std::string>& words, std::istream& in, std::ostream& out,
@@ -228,7 +258,7 @@ int LInstallerMain(const std::vector<std::string>& words, std::istream& in, std:
     if (problem.empty() && options.passwordFromInput) {
         problem = ReadPassword(in, password.emplace());
     }
-    if (problem.empty()) problem = LInstallation(options, out).Run(password);
+    if (problem.empty()) problem = Run(options, password, out);
     if (problem.empty()) return 0;
     error << "quillmarsh -installer: " << problem << "\n";
     return 1;

@@ -1,4 +1,4 @@
-// The installer role: first set-up of a business without a screen.
+// The installer role: first set-up of a business without a screen, backup and restore.
 #pragma once
 
 #include <istream>
@@ -17,6 +17,9 @@ inline constexpr char kDefaultBusinessName[] = "My Business";
 //   --port N           the web port, 1 to 65535
 //   --web on|off       whether the service serves the web pages
 //   --sample           fills an empty business with a small hardware shop
+// or, alone,
+//   --backup FOLDER    copies all data into a new dated folder of FOLDER
+//   --restore FOLDER --yes   replaces all data by the backup in FOLDER; the service rests meanwhile
 // Nothing is changed before all options have been understood. The first run names the business and
 // makes an administrator in any case; a later one changes only what it is told to. What was done
 // goes to `out`. Returns 0, or 1 after one line on `error`.

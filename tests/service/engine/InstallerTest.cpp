@@ -37,6 +37,9 @@ TEST(Installer, RefusesWhatItDoesNotUnderstandBeforeItChangesAnything) {
         {{"--business", "Shop", "--port", "65536"}, "--port wants a number from 1 to 65535"},
         {{"--business", "Shop", "--port", "80x"}, "--port wants a number from 1 to 65535"},
         {{"--business", "Shop", "--web", "yes"}, "--web wants on or off"},
+        {{"--restore", "/tmp"}, "--restore replaces all data: confirm with --yes"},
+        {{"--business", "Shop", "--yes"}, "--yes goes with --restore"},
+        {{"--backup", "/tmp", "--sample"}, "--backup goes with nothing else"},
         {{"--business", "Shop", "--password-stdin"},
          "the password must have a minimum of 6 characters"},
     };
@@ -137,6 +140,27 @@ TEST(SampleShop, ItsStockAgreesWithItsHistory) {
     });
     EXPECT_GT(low, 5);
     EXPECT_EQ(FillSampleShop(profile, today).problem, "the business already has items");
+}
+
+TEST(Installer, BacksUpAndRestoresWithoutAScreen) {
+    const LTempHome home;
+    const LTempFolder place;
+    ASSERT_EQ(Install({"--business", "Shop", "--sample"}).status, 0);
+    const LRun backup = Install({"--backup", place.Path()});
+    ASSERT_EQ(backup.status, 0) << backup.error;
+    EXPECT_NE(backup.out.find("Business: Shop\n"), std::string::npos) << backup.out;
+    const size_t start = backup.out.find("Backup: ") + 8;
+    const std::string folder = backup.out.substr(start, backup.out.size() - start - 1);
+
+    ASSERT_TRUE(SetBusinessName(0, "Other"));
+    const LRun wrong = Install({"--restore", place.Path(), "--yes"});
+    EXPECT_EQ(wrong.status, 1);
+    EXPECT_EQ(wrong.error, "quillmarsh -installer: This folder holds no backup.\n");
+    EXPECT_EQ(GetBusinessName(0), "Other");
+
+    const LRun restore = Install({"--restore", folder, "--yes"});
+    EXPECT_EQ(restore.status, 0) << restore.error;
+    EXPECT_EQ(GetBusinessName(0), "Shop");
 }
 
 }  // namespace
