@@ -1,8 +1,6 @@
 #include "inventory/BillOfMaterials.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <optional>
 #include <set>
 
@@ -29,17 +27,6 @@ void ForEachBuiltItem(const LProfile& profile, Visit&& visit) {
 bool Names(const std::vector<BOMItemQuantities>& lines, std::string_view code) {
     return std::any_of(lines.begin(), lines.end(),
                        [&](const BOMItemQuantities& line) { return line.code == code; });
-}
-
-// The fewest decimals, at least `atLeast`, with which `value` is read back as it is.
-int DecimalsFor(double value, int atLeast) {
-    std::array<char, 512> buffer;
-    const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
-                                      std::chars_format::fixed);
-    if (result.ec != std::errc()) return atLeast;
-    const auto point = std::find(buffer.data(), result.ptr, '.');
-    return point == result.ptr ? atLeast
-                               : std::max(atLeast, static_cast<int>(result.ptr - point) - 1);
 }
 
 bool CanBeComponent(std::string_view code) {
@@ -122,8 +109,7 @@ std::string GetBOMItemQuantityString(const LProfile& profile,
         out += '"';
         AppendStoredText(out, line.code);
         out += '/';
-        AppendStoredNumber(out, line.quantity,
-                           DecimalsFor(line.quantity, profile.DigitsAfterDecimalPoint()));
+        AppendExactNumber(out, line.quantity, profile.DigitsAfterDecimalPoint());
         out += "\",";
     }
     return out;

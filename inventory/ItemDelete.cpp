@@ -9,6 +9,7 @@
 #include "inventory/OrderReferences.h"
 #include "inventory/StockHistory.h"
 #include "inventory/StockQuantities.h"
+#include "inventory/Transfers.h"
 
 namespace {
 
@@ -66,7 +67,8 @@ std::string DeleteRow(const LProfile& profile, const LItemListRow& row, LDeleteF
     }
     if (!isMainWindow && IsItemOnAnyOrder(profile, id)) return ReferencedByOrders(row.code);
     if (RemoveLocation(profile, item, row.locationName)) return {};
-    if (isMainWindow && (IsItemOnAnyOrder(profile, id) || IsInHistory(profile, id))) {
+    if (isMainWindow && (IsItemOnAnyOrder(profile, id) || IsInHistory(profile, id) ||
+                         IsItemOnOpenTransfer(profile, id))) {
         return "Item " + row.code + " cannot be deleted because it is referenced in a transaction.";
     }
     return DeleteRecord(profile, item, from);

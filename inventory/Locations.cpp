@@ -10,6 +10,7 @@
 #include "inventory/MovementLock.h"
 #include "inventory/OrderReferences.h"
 #include "inventory/StockQuantities.h"
+#include "inventory/Transfers.h"
 #include "platform/CaseFolding.h"
 
 namespace {
@@ -50,7 +51,9 @@ bool IsKeptAtAny(const LItem& item, const std::set<std::string>& locations) {
 std::string DeleteRefusal(const LProfile& profile, const LLocation& location) {
     const std::string name = location.GetString("Name");
     if (!LLocationList::bExistInItems(profile, name) &&
-        !LLocationList::bExistInOrders(profile, location)) {
+        !LLocationList::bExistInOrders(profile, location) &&
+        // What is on the way could neither arrive nor come back.
+        !IsLocationOnOpenTransfer(profile, location.GetPrimaryKey())) {
         return {};
     }
     return "You can not delete location " + name +

@@ -19,12 +19,28 @@ std::string QuantityText(const LProfile& profile, double quantity) {
     return profile.FormatNumber(quantity, profile.DigitsAfterDecimalPoint(), false);
 }
 
-bool AppendRow(const LProfile& profile, std::string_view folder, const LDate& date,
-               const std::vector<std::string>& fields) {
-    // Built before the lock is taken: the shorter it is held, the fewer others meet it.
-    const std::string row = FormatCsvRow(fields) + kHistoryLineEnd;
+std::string RowText(const std::vector<std::string>& fields) {
+    return FormatCsvRow(fields) + kHistoryLineEnd;
+}
+
+// The rows are built before the lock is taken: the shorter it is held, the fewer others meet it.
+bool AppendRows(const LProfile& profile, std::string_view folder, const LDate& date,
+                const std::string& rows) {
     const LHistoryFile file(HistoryFilePath(profile, folder, date), LHistoryAccess::kAppend);
-    return file.Append(row);
+    return file.Append(rows);
+}
+
+std::string ReceiveRowText(const LProfile& profile, const LReceiveRow& row) {
+    std::vector<std::string> fields(kReceiveColumns);
+    fields[kHistoryQuantity] = QuantityText(profile, row.quantity);
+    fields[kHistoryItemId] = row.itemId;
+    fields[kHistoryUnitAmount] = profile.FormatMoney(row.unitCost);
+    fields[kHistoryLocation] = row.locationName;
+    fields[kHistoryParty] = row.supplier;
+    fields[kReceiveOrderId] = row.orderId;
+    fields[kReceiveTotal] = profile.FormatMoney(LineAmount(row.quantity, row.unitCost));
+    fields[kReceiveText] = row.text;
+    return RowText(fields);
 }
 
 bool HoldsValue(std::string_view text, size_t column, std::string_view value) {
@@ -55,20 +71,17 @@ bool CreateNewSellRecord(const LProfile& profile, const LSellRow& row) {
     fields[kHistoryParty] = row.customer;
     fields[kSellTotal] = profile.FormatMoney(LineAmount(row.quantity, row.unitPrice));
     fields[kSellReference] = row.reference;
-    return AppendRow(profile, kSellHistoryFolder, row.date, fields);
+    return AppendRows(profile, kSellHistoryFolder, row.date, RowText(fields));
 }
 
 bool CreateNewReceiveRecord(const LProfile& profile, const LReceiveRow& row) {
-    std::vector<std::string> fields(kReceiveColumns);
-    fields[kHistoryQuantity] = QuantityText(profile, row.quantity);
-    fields[kHistoryItemId] = row.itemId;
-    fields[kHistoryUnitAmount] = profile.FormatMoney(row.unitCost);
-    fields[kHistoryLocation] = row.locationName;
-    fields[kHistoryParty] = row.supplier;
-    fields[kReceiveOrderId] = row.orderId;
-    fields[kReceiveTotal] = profile.FormatMoney(LineAmount(row.quantity, row.unitCost));
-    fields[kReceiveText] = row.text;
-    return AppendRow(profile, kReceiveHistoryFolder, row.date, fields);
+    return AppendRows(profile, kReceiveHistoryFolder, row.date, ReceiveRowText(profile, row));
+}
+
+bool CreateNewReceiveRecords(const LProfile& profile, const std::vector<LReceiveRow>& rows) {
+    std::string text;
+    for (const LReceiveRow& row : rows) text += ReceiveRowText(profile, row);
+    return rows.empty() || AppendRows(profile, kReceiveHistoryFolder, rows.front().date, text);
 }
 
 std::optional<double> ReadHistoryQuantity(const LProfile& profile, std::string_view text) {

@@ -55,6 +55,9 @@ std::string LGetReceiveCSVFilePath(const LProfile& profile, const LDate& date);
 // opened or written; nothing of the row remains then.
 [[nodiscard]] bool CreateNewSellRecord(const LProfile& profile, const LSellRow& row);
 [[nodiscard]] bool CreateNewReceiveRecord(const LProfile& profile, const LReceiveRow& row);
+// Several rows of one day with one write: all of them, or none after false.
+[[nodiscard]] bool CreateNewReceiveRecords(const LProfile& profile,
+                                           const std::vector<LReceiveRow>& rows);
 
 // The quantity column as a number: the profile's format, or the plain form with "." when the
 // settings have changed since. Nothing when it is neither.

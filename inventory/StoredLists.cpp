@@ -1,5 +1,6 @@
 #include "inventory/StoredLists.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -7,6 +8,20 @@
 
 #include "datastore/NumberText.h"
 #include "platform/TextLimits.h"
+
+namespace {
+
+int DecimalsFor(double value, int atLeast) {
+    std::array<char, 512> buffer;
+    const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
+                                      std::chars_format::fixed);
+    if (result.ec != std::errc()) return atLeast;
+    const auto point = std::find(buffer.data(), result.ptr, '.');
+    return point == result.ptr ? atLeast
+                               : std::max(atLeast, static_cast<int>(result.ptr - point) - 1);
+}
+
+}  // namespace
 
 std::string_view TakePiece(std::string_view& element) {
     const size_t slash = element.find('/');
@@ -22,6 +37,10 @@ void AppendStoredNumber(std::string& out, double value, int digits) {
     const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
                                       std::chars_format::fixed, HoldDigits(digits));
     out.append(buffer.data(), result.ptr);
+}
+
+void AppendExactNumber(std::string& out, double value, int atLeast) {
+    AppendStoredNumber(out, value, DecimalsFor(value, atLeast));
 }
 
 void AppendStoredText(std::string& out, std::string_view text) {
