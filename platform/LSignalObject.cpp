@@ -23,6 +23,7 @@ LSignalObject::LSignalObject(std::nothrow_t) : event_(::eventfd(0, EFD_CLOEXEC |
 void LSignalObject::Set() const {
     const int error = errno;  // a signal handler must leave it alone
     const uint64_t one = 1;
+    sets_.fetch_add(1, std::memory_order_release);
     // It can only fail when the counter is full, and then the signal is set.
     [[maybe_unused]] const ssize_t written = ::write(event_.Get(), &one, sizeof one);
     errno = error;
@@ -38,5 +39,7 @@ bool LSignalObject::IsSet() const { return Wait(0); }
 
 bool LSignalObject::Wait(int timeoutMs) const {
     pollfd entry{event_.Get(), POLLIN, 0};
-    return IsValid() && PollUntil(&entry, 1, LDeadline(timeoutMs)) > 0;
+    if (!IsValid() || PollUntil(&entry, 1, LDeadline(timeoutMs)) <= 0) return false;
+    static_cast<void>(sets_.load(std::memory_order_acquire));
+    return true;
 }

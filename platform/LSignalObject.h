@@ -1,6 +1,7 @@
 // A wake-up between threads that poll() can wait for.
 #pragma once
 
+#include <atomic>
 #include <new>
 
 #include "platform/LFileDescriptor.h"
@@ -28,4 +29,8 @@ public:
 
 private:
     LFileDescriptor event_;
+    // The system's calls order nothing in the language's eyes: what was written before Set is seen
+    // behind a Wait that found the signal through this.
+    mutable std::atomic<unsigned> sets_{0};
+    static_assert(std::atomic<unsigned>::is_always_lock_free);  // for signal handlers
 };

@@ -29,6 +29,16 @@ public:
                             const std::vector<std::string>& buttons) = 0;
     virtual void Inform(std::string_view title, std::string_view text) = 0;
 
+    // Chooses one of `rows` and one of `buttons` for it; nothing when closed without a choice. Asks
+    // one after the other unless the implementation has a list to show.
+    struct LListChoice {
+        size_t row;
+        std::string button;
+    };
+    virtual std::optional<LListChoice> ChooseFromList(std::string_view title, std::string_view text,
+                                                      const std::vector<std::string>& rows,
+                                                      const std::vector<std::string>& buttons);
+
     // Picks an existing folder, or a file to save to; nothing when the user changed their mind.
     virtual std::optional<std::string> PickFolder(std::string_view title) = 0;
     // The same beginning at `startFolder` where the display can (it may be empty or missing).
