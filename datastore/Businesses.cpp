@@ -38,10 +38,6 @@ int NumberOfFolder(std::string_view name) {
     return isWhole && number > 0 && name[0] != '0' ? number : -1;
 }
 
-int NumberAtPath(const std::string& folder) {
-    return NumberOfFolder(std::string_view(folder).substr(folder.rfind('/') + 1));
-}
-
 std::vector<std::string> BusinessFolders() {
     std::vector<std::string> folders;
     std::error_code error;
@@ -49,7 +45,8 @@ std::vector<std::string> BusinessFolders() {
     for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
         const std::string path = entry->path().string();
         std::error_code ignored;
-        if (NumberAtPath(path) > 0 && entry->is_directory(ignored)) folders.push_back(path);
+        if (NumberOfBusinessFolder(path) > 0 && entry->is_directory(ignored))
+            folders.push_back(path);
     }
     return folders;
 }
@@ -91,7 +88,7 @@ void InvBusinessIterator::Next() {
     valid_ = false;
     while (!valid_ && next_ < folders_.size()) {
         const std::string& folder = folders_[next_++];
-        current_ = ReadBusiness(NumberAtPath(folder), folder);
+        current_ = ReadBusiness(NumberOfBusinessFolder(folder), folder);
         valid_ = !current_.isDeleted || filter_ == LBusinessFilter::kWithDeleted;
     }
 }
@@ -133,6 +130,10 @@ std::string GetBusinessName(int number) {
 std::string GetBusinessFolder(int number) {
     if (number < 0) return {};
     return number == 0 ? GetSharedDataFolderApp() : MultiBusFolder() + "/" + std::to_string(number);
+}
+
+int NumberOfBusinessFolder(std::string_view folder) {
+    return NumberOfFolder(folder.substr(folder.rfind('/') + 1));
 }
 
 std::string FindBusinessFolder(std::string_view name) {

@@ -43,6 +43,7 @@ bool IsBusinessValid(std::string_view name);   // ignoring case, listed ones onl
 int GetBusinessNumber(std::string_view name);  // exact; -1 when none matches
 std::string GetBusinessName(int number);       // also of a deleted one; empty for none
 std::string GetBusinessFolder(int number);     // empty for a negative number; it may not exist
+int NumberOfBusinessFolder(std::string_view folder);  // of a folder in "MultiBus"; -1 for others
 // The folder of the first listed business of exactly this name; empty for none.
 std::string FindBusinessFolder(std::string_view name);
 

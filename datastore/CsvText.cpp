@@ -1,14 +1,17 @@
 #include "datastore/CsvText.h"
 
-namespace {
+#include <algorithm>
 
-constexpr size_t kEnd = std::string_view::npos;
+namespace {
 
 bool IsBlank(char byte) { return byte == ' ' || byte == '\t'; }
 
 bool NeedsQuotes(std::string_view field) {
-    return field.find_first_of(",\"\r\n") != kEnd ||
-           (!field.empty() && (IsBlank(field.front()) || IsBlank(field.back())));
+    const auto isSpecial = [](char byte) {
+        return byte == ',' || byte == '"' || byte == '\r' || byte == '\n';
+    };
+    return !field.empty() && (IsBlank(field.front()) || IsBlank(field.back()) ||
+                              std::any_of(field.begin(), field.end(), isSpecial));
 }
 
 void AppendField(std::string& row, std::string_view field, bool inQuotes) {
@@ -69,7 +72,10 @@ void SkipLineEnd(std::string_view text, size_t& pos) {
 }  // namespace
 
 std::string FormatCsvRow(const std::vector<std::string>& fields) {
+    size_t size = fields.size();
+    for (const std::string& field : fields) size += field.size() + 2;
     std::string row;
+    row.reserve(size);
     // One empty field alone would be a line with nothing in it, which readers skip.
     const bool isBare = fields.size() == 1 && fields[0].empty();
     for (size_t i = 0; i < fields.size(); ++i) {

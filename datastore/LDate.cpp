@@ -1,9 +1,9 @@
 #include "datastore/LDate.h"
 
 #include <algorithm>
-#include <array>
 #include <chrono>
-#include <cstdio>
+
+#include "datastore/NumberText.h"
 
 namespace {
 
@@ -50,9 +50,7 @@ std::optional<LDate> LDate::FromStored(std::string_view text) {
 }
 
 std::string LDate::ToStored() const {
-    std::array<char, 40> text{};
-    std::snprintf(text.data(), text.size(), "%.4d-%.2d-%.2d", year, month, day);
-    return text.data();
+    return PadNumber(year, 4) + "-" + PadNumber(month, 2) + "-" + PadNumber(day, 2);
 }
 
 LDate LDate::AddDays(int days) const {

@@ -33,13 +33,13 @@ public:
     // Bound in any case: a missing record reads as its defaults and is created when saved.
     void OpenAlways(LRecord& record, std::string_view key) const;
     // Only fills the fields. False, and the fields as before, when the key is empty or the file
-    // cannot be read.
+    // cannot be read; false and no fields when memory does not hold them.
     [[nodiscard]] bool Load(std::string_view key, LRecord& record) const;
     // Merges with the file and rewrites it under the exclusive lock; a new key or a rename is
     // settled first. Where another record has the new key the record keeps its old one. Also true
     // when an existing record's file could not be opened, or not be filled (a full disk): the file
     // is as before then and the changes stay marked for the next save. False when no file could be
-    // made for a new key, or the old text not be read to merge with it.
+    // made for a new key, or the old text not be read to merge with it; the file is as before then.
     bool Save(LRecord& record) const;
     bool Delete(std::string_view key) const;  // true when the file was removed
 
@@ -70,6 +70,8 @@ template <typename Record>
 class LAppDataBaseList : public LFileStoreListBase {
 public:
     using LFileStoreListBase::LFileStoreListBase;
+    // The same list, seen as one of `Record`s.
+    explicit LAppDataBaseList(const LFileStoreListBase& list) : LFileStoreListBase(list) {}
 
     bool IsEmpty() const {
         Record record;

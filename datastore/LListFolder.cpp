@@ -80,7 +80,7 @@ bool LListFolder::Exists(std::string_view key) const {
     return !name.empty() && ::stat(PathOf(name).c_str(), &status) == 0 && !S_ISDIR(status.st_mode);
 }
 
-// A file larger than memory is one that cannot be read.
+// A file larger than memory is one that cannot be read; a part of it would be worse than nothing.
 bool LListFolder::Load(std::string_view key, LRecord& record) const try {
     const std::string name = RecordFileName(key);
     LFileText text;
@@ -90,6 +90,7 @@ bool LListFolder::Load(std::string_view key, LRecord& record) const try {
     record.Fields().Parse(text.View());
     return true;
 } catch (const std::bad_alloc&) {
+    record.Fields().Clear();
     return false;
 }
 
@@ -102,6 +103,7 @@ bool LListFolder::LoadListed(int folder, const char* fileName, LRecord& record) 
     record.SetKeys(key, key);
     return true;
 } catch (const std::bad_alloc&) {
+    record.Fields().Clear();
     return false;
 }
 

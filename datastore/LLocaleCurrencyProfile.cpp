@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <limits>
 
 #include "datastore/CountryLocales.h"
@@ -104,12 +103,6 @@ LDatePlaces PlacesOf(LDateOrder order) {
             break;
     }
     return {2, 0, 1};
-}
-
-std::string PadNumber(int value, int width) {
-    std::array<char, 16> text{};
-    std::snprintf(text.data(), text.size(), "%.*d", width, value);
-    return text.data();
 }
 
 }  // namespace

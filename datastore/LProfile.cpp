@@ -39,10 +39,10 @@ void WriteTaxDefaults(LRecord& tax, const LCountryTaxDefaults& defaults) {
     tax.SetBool("TaxInclusive", defaults.isInclusive);
 }
 
-bool CreateDefaultLocation(const LFileStoreDataStore& store) {
-    const LAppDataBaseList<LRecord> locations(store, "Locations");
-    if (!locations.IsEmpty()) return true;
+bool CreateDefaultLocation(const LFileStoreListBase& locations) {
     LRecord location;
+    locations.CreateIteratorBase(location);
+    if (location.IsBound()) return true;
     locations.CreateNewRecord(location);
     location.SetString("Name", "Main");
     return location.Flush();
@@ -67,6 +67,7 @@ void LProfile::SetDatabaseName(std::string_view folder) {
     ordersDrafts_ = makeList("OrdersDrafts");
     items_ = makeList("Items");
     transfers_ = makeList("Transfers");
+    locations_ = makeList("Locations");
     Reload();
 }
 
@@ -107,7 +108,8 @@ void LProfile::InitialiseDatabase(LRecord& options) {
 
     MakeListFolders();
     // What a full disk refused is tried again at the next load.
-    const bool isComplete = WriteDefaultBlocks() && CreateDefaultLocation(store_);
+    const auto load = options.TestFieldExists("Init") ? LFirstLoad::kResumed : LFirstLoad::kAnew;
+    const bool isComplete = WriteDefaultBlocks(load) && CreateDefaultLocation(*locations_);
     WriteLocaleOptions(options);
     options.SetBool("Init", isComplete);
     options.SetInt("DatabaseVersion", kDatabaseVersion);
@@ -116,7 +118,8 @@ void LProfile::InitialiseDatabase(LRecord& options) {
 
 // In place, as callers hold references to the lists.
 void LProfile::MakeListFolders() const {
-    for (const auto* list : {&orders_, &ordersRecurring_, &ordersDrafts_, &items_, &transfers_}) {
+    for (const auto* list :
+         {&orders_, &ordersRecurring_, &ordersDrafts_, &items_, &transfers_, &locations_}) {
         ::mkdir((*list)->Folder().c_str(), 0777);
     }
 }
@@ -132,18 +135,23 @@ void LProfile::WriteLocaleOptions(LRecord& options) const {
     options.SetInt("PaperSize", static_cast<int>(PaperSizeOf(locale.country)));
 }
 
-// A block that is there already belongs to a business whose "Options" got lost, or to a set-up that
-// was cut off: what it holds is kept.
-bool LProfile::WriteDefaultBlocks() const {
-    LRecord order;
-    OpenSettings(order, "Order");
-    if (!order.TestFieldExists("FooterText")) {
-        order.SetString("FooterText", "Thank you for your business.");
+// Where an earlier first load was cut short, the blocks that it wrote may have been changed since.
+// A save counts as done also where nothing could be written, so it is looked up what is there.
+bool LProfile::WriteDefaultBlocks(LFirstLoad load) const {
+    const bool isAnew = load == LFirstLoad::kAnew;
+    LRecord record;
+    OpenSettings(record, "Order");
+    if (isAnew || !record.TestFieldExists("FooterText")) {
+        record.SetString("FooterText", "Thank you for your business.");
     }
-    LRecord tax;
-    OpenSettings(tax, "Tax");
-    if (!tax.TestFieldExists("TaxSystem")) WriteTaxDefaults(tax, TaxDefaultsOf(Locale().country));
-    return order.Flush() && tax.Flush();
+    OpenSettings(record, "Tax");  // saves the one before
+    if (isAnew || !record.TestFieldExists("TaxInclusive")) {
+        WriteTaxDefaults(record, TaxDefaultsOf(Locale().country));
+    }
+    OpenSettings(record, "Order");
+    const bool hasOrder = record.TestFieldExists("FooterText");
+    OpenSettings(record, "Tax");
+    return hasOrder && record.TestFieldExists("TaxInclusive");
 }
 
 void LProfile::ReadSettings(const LRecord& options) {

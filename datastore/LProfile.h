@@ -29,6 +29,8 @@ public:
     const LFileStoreListBase& OrdersRecurring() const { return *ordersRecurring_; }
     const LFileStoreListBase& OrdersDrafts() const { return *ordersDrafts_; }
     const LFileStoreListBase& Transfers() const { return *transfers_; }
+    const LFileStoreListBase& Locations() const { return *locations_; }
+    // Any other list, or one of these, made anew.
     LFileStoreListBase List(std::string_view name) const { return {store_, name}; }
 
     // Opens a settings block of the business ("Options", "Order", "Tax", "Company").
@@ -41,12 +43,13 @@ private:
     void InitialiseDatabase(LRecord& options);
     void MakeListFolders() const;
     void WriteLocaleOptions(LRecord& options) const;
-    bool WriteDefaultBlocks() const;
+    enum class LFirstLoad { kAnew, kResumed };
+    bool WriteDefaultBlocks(LFirstLoad load) const;
     void ReadSettings(const LRecord& options);
 
     LFileStoreDataStore store_;
     std::unique_ptr<LFileStoreListBase> orders_, ordersRecurring_, ordersDrafts_, items_,
-        transfers_, misc_;
+        transfers_, locations_, misc_;
     std::optional<int> measurementUnits_;  // none: as the locale has it
 };
 

@@ -63,6 +63,8 @@ LNumberSymbols::LNumberSymbols(std::string_view decimalSymbol, std::string_view 
 std::string JoinDigits(std::string_view whole, std::string_view fraction,
                        const LNumberSymbols& symbols) {
     std::string text;
+    text.reserve(whole.size() + whole.size() / 3 * symbols.thousands.size() +
+                 symbols.decimal.size() + fraction.size());
     for (size_t i = 0; i < whole.size(); ++i) {
         if (i > 0 && (whole.size() - i) % 3 == 0) text += symbols.thousands;
         text += whole[i];
@@ -92,6 +94,12 @@ std::optional<LDecimalDigits> ReadDigits(std::string_view text, const LNumberSym
     const bool hasDigits = !digits.whole.empty() || !digits.fraction.empty();
     if (pos != text.size() || !hasDigits) return std::nullopt;
     return digits;
+}
+
+std::string PadNumber(int value, size_t width) {
+    std::string text = std::to_string(value);
+    if (text.size() < width) text.insert(0, width - text.size(), '0');
+    return text;
 }
 
 std::string_view TrimBlanks(std::string_view text) {

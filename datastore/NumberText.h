@@ -37,6 +37,9 @@ std::string JoinDigits(std::string_view whole, std::string_view fraction,
 // blanks or apostrophes that look alike, all of these are taken. Nothing for any other text.
 std::optional<LDecimalDigits> ReadDigits(std::string_view text, const LNumberSymbols& symbols);
 
+// At least `width` digits, with leading zeros.
+std::string PadNumber(int value, size_t width);
+
 // Without the blanks at both ends: ASCII white space and the no-break ones.
 std::string_view TrimBlanks(std::string_view text);
 

@@ -154,11 +154,11 @@ bool DecodePair(const char*& pos, const char* end, char*& out, std::string_view&
 }
 
 bool LRecordTextReader::Next(std::string_view& name, std::string_view& value) {
-    if (decoded_.size() < text_.size()) decoded_.resize(text_.size());
+    if (decoded_ == nullptr) decoded_ = std::make_unique_for_overwrite<char[]>(text_.size());
     const char* pos = text_.data() + pos_;
-    char* out = decoded_.data() + used_;
+    char* out = decoded_.get() + used_;
     const bool found = DecodePair(pos, text_.data() + text_.size(), out, name, value);
     pos_ = static_cast<size_t>(pos - text_.data());
-    used_ = static_cast<size_t>(out - decoded_.data());
+    used_ = static_cast<size_t>(out - decoded_.get());
     return found;
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -27,7 +28,8 @@ public:
 private:
     std::string_view text_;
     size_t pos_ = 0;
-    std::string decoded_;  // as long as the text, filled from the front: pairs never move
+    std::unique_ptr<char[]>
+        decoded_;  // as long as the text, filled from the front: pairs never move
     size_t used_ = 0;
 };
 

@@ -2,13 +2,13 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
 #include <filesystem>
 #include <set>
-#include <thread>
 
+#include "datastore/BusinessSelect.h"
 #include "datastore/LProfile.h"
 #include "platform/Folders.h"
+#include "tests/support/LScriptedUserInterface.h"
 #include "tests/support/LTempFolder.h"
 
 namespace {
@@ -39,29 +39,6 @@ TEST(Businesses, ANewOneTakesTheSmallestFreeNumber) {
     EXPECT_EQ(CreateNewBusiness(), home.File(kMultiBus + "1"));
     home.WriteFile(kMultiBus + "4", "a file in the way");
     EXPECT_EQ(CreateNewBusiness(), home.File(kMultiBus + "5"));
-}
-
-TEST(Businesses, ThreadsNeverGetOneFolderTwice) {
-    const LTempHome home;
-    std::array<std::vector<std::string>, 4> folders;
-    {
-        std::vector<std::jthread> threads;
-        for (auto& mine : folders) {
-            threads.emplace_back([&mine] {
-                for (int i = 0; i < 10; ++i) mine.push_back(CreateNewBusiness().value_or(""));
-            });
-        }
-    }
-    std::set<std::string> all;
-    for (const auto& mine : folders) all.insert(mine.begin(), mine.end());
-    EXPECT_EQ(all.size(), 40u);
-    EXPECT_TRUE(all.contains(home.File(kMultiBus + "40")));
-}
-
-TEST(Businesses, NoneCanBeMadeWhereNothingCanBeWritten) {
-    const LTempHome home;
-    home.WriteFile("data", "");
-    EXPECT_EQ(CreateNewBusiness(), std::nullopt);
 }
 
 TEST(Businesses, AreFoundByName) {
@@ -120,6 +97,32 @@ TEST(Businesses, ADeletedOneIsHiddenUntilItIsBack) {
     EXPECT_EQ(home.ReadFile(kMultiBus + "1/Misc/Company.dat"), "Name=One&Deleted=0");
     EXPECT_FALSE(SetBusinessDeleted(9, true));
     EXPECT_FALSE(SetBusinessName(-1, "x"));
+}
+
+TEST(Businesses, AreAddedHiddenAndOpenedInTheChooser) {
+    const LTempHome home;
+    LProfile profile;
+    LScriptedUserInterface ui;
+    const auto expect = [&](std::vector<std::string> rows, const std::string& row,
+                            const std::string& button) {
+        ui.ExpectAsk("Select Business", "Choose a business.", std::move(rows), row);
+        if (!row.empty()) {
+            ui.ExpectAsk("Select Business", row, {"Open", "Add", "Delete or Undelete"}, button);
+        }
+    };
+    expect({"Default business"}, "Default business", "Add");
+    expect({"Default business", "Business 1"}, "Business 1", "Delete or Undelete");
+    expect({"Default business", "Business 1 (deleted)"}, "", "");
+    EXPECT_FALSE(LMultipleBusinessSelect(ui, profile));
+    EXPECT_EQ(profile.DatabaseFolder(), GetBusinessFolder(0));
+    EXPECT_FALSE(IsBusinessValid("Business 1"));
+
+    expect({"Default business", "Business 1 (deleted)"}, "Business 1 (deleted)",
+           "Delete or Undelete");
+    expect({"Default business", "Business 1"}, "Business 1", "Open");
+    EXPECT_TRUE(LMultipleBusinessSelect(ui, profile));
+    EXPECT_EQ(profile.DatabaseFolder(), GetBusinessFolder(1));
+    EXPECT_EQ(profile.BusinessName(), "Business 1");
 }
 
 TEST(Businesses, OtherThingsInTheFolderAreNone) {

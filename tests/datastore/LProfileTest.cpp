@@ -89,29 +89,6 @@ TEST(FirstLoad, EveryCountryGetsItsTaxes) {
     }
 }
 
-TEST(FirstLoad, TakesTheSymbolsOfTheLocale) {
-    struct Case {
-        const char *locale, *currency, *decimal, *thousands;
-        int currencyDigits;
-    };
-    constexpr Case kCases[] = {
-        {"de_DE", "\u20AC", ",", ".", 2},   {"fr_FR", "\u20AC", ",", "\u202F", 2},
-        {"de_CH", "CHF", ".", "\u2019", 2}, {"ja_JP", "\uFFE5", ".", ",", 0},
-        {"en_US", "$", ".", ",", 2},        {"C", "$", ".", ",", 2},
-    };
-    for (const Case& c : kCases) {
-        const LTempHome home;
-        const LScopedEnvironment locale("LC_ALL", c.locale);
-        const LProfile profile;
-        EXPECT_EQ(profile.CurrencySymbol(), c.currency) << c.locale;
-        EXPECT_EQ(profile.CurrencyOrder(), 0);
-        EXPECT_EQ(profile.CurrencyDigits(), c.currencyDigits) << c.locale;
-        EXPECT_EQ(profile.DecimalSymbol(), c.decimal) << c.locale;
-        EXPECT_EQ(profile.ThousandsSymbol(), c.thousands) << c.locale;
-        EXPECT_EQ(profile.DigitsAfterDecimalPoint(), 2);
-    }
-}
-
 TEST(FirstLoad, HappensOnce) {
     const LTempHome home;
     const auto snapshot = [&] {
@@ -157,17 +134,20 @@ TEST(FirstLoad, OfSeveralProcessesMakesOneLocation) {
     }
 }
 
-TEST(FirstLoad, DoesNotTouchWhatAnOwnerSet) {
-    const LTempHome home;
-    home.WriteFile(kMisc + "Options.dat", "");  // cut off by a crash
-    home.WriteFile(kMisc + "Tax.dat", "TaxSystem=2&TaxName1=Mine&TaxRate1=8.000000");
-    home.WriteFile(kLocations + "7.dat", "Name=Barn");
-    const LProfile profile;
-    EXPECT_EQ(home.ReadFile(kMisc + "Tax.dat"), "TaxSystem=2&TaxName1=Mine&TaxRate1=8.000000");
-    EXPECT_EQ(home.FileCount(), 4) << "no second location beside the owner's";
-    LRecord options;
-    profile.OpenSettings(options, "Options");
-    EXPECT_TRUE(options.GetBool("Init", false));
+TEST(FirstLoad, KeepsLocationsAndWhatWasChangedSinceItWasCutShort) {
+    for (const auto& [stored, tax] : {std::pair{"", "Sales Tax"}, {"Init=0", "Mine"}}) {
+        const LTempHome home;
+        home.WriteFile(kMisc + "Options.dat", stored);
+        home.WriteFile(kMisc + "Tax.dat", "TaxName1=Mine&TaxInclusive=0");
+        home.WriteFile(kLocations + "7.dat", "Name=Barn");
+        const LProfile profile;
+        LRecord record;
+        profile.OpenSettings(record, "Tax");
+        EXPECT_EQ(record.GetString("TaxName1"), tax);
+        profile.OpenSettings(record, "Options");
+        EXPECT_TRUE(record.GetBool("Init", false));
+        EXPECT_EQ(home.FileCount(), 4) << "no second location beside the owner's";
+    }
 }
 
 TEST(FirstLoad, IsNotTakenForNeededWhenTheOptionsCannotBeRead) {
