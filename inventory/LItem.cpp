@@ -35,7 +35,7 @@ std::string SearchItemKey(const LProfile& profile, std::string_view code) {
     const auto iterator = profile.Items().CreateIteratorBase(item);
     for (; item.IsBound(); iterator->Next(item)) {
         const std::string_view name = item.GetView("Name");
-        keysByCode.insert_or_assign(std::string(name), item.GetPrimaryKey());
+        keysByCode.Set(name, item.GetPrimaryKey());
         if (key.empty() && name == code) key = item.GetPrimaryKey();
     }
     RememberItemCodes(profile, std::move(keysByCode));
@@ -123,7 +123,7 @@ void GetFirstLocationForTheItem(const LProfile& profile, std::string_view code, 
     LItem item;
     if (!OpenItem(profile, item, code)) return;
     out.clear();
-    const LFileStoreListBase locations = profile.List("Locations");
+    const LFileStoreListBase& locations = profile.Locations();
     std::map<std::string, double> inStock;  // by name; the first entry of a name counts
     LRecord location;
     for (const LocationAndQuantities& entry : GetStockEntries(profile, item)) {

@@ -13,8 +13,7 @@
 class LLocation : public LRecord {};
 class LLocationList : public LAppDataBaseList<LLocation> {
 public:
-    explicit LLocationList(const LProfile& profile)
-        : LAppDataBaseList(profile.Store(), "Locations") {}
+    explicit LLocationList(const LProfile& profile) : LAppDataBaseList(profile.Locations()) {}
 
     // Whether any item has an entry at a location of exactly this name.
     static bool bExistInItems(const LProfile& profile, std::string_view name);

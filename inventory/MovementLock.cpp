@@ -29,6 +29,9 @@ using Clock = std::chrono::steady_clock;
 // A thread that comes again at once may pass those in front of which nobody has waited this long
 // yet: waking another thread for every single change would halve what all of them get done.
 constexpr std::chrono::milliseconds kDueAfter(1);
+// So often it is looked whether the lock file still lies at its path; that costs more than the
+// lock.
+constexpr std::chrono::milliseconds kLookAgainAfter(100);
 
 // The queue of one business's threads inside this process.
 class LMovementQueue {
@@ -58,24 +61,32 @@ public:
     }
 
     // The open lock file of that path, for whoever has the turn. It is kept, and opened anew when
-    // another file stands there now (a restored business) or in a forked child, which would share
-    // its parent's lock otherwise. -1 when it cannot be opened.
-    int LockFile(const std::string& path) {
-        struct stat status {};
-        const bool isThere = ::stat(path.c_str(), &status) == 0;
-        if (isThere && file_.IsOpen() && status.st_ino == inode_ && status.st_dev == device_ &&
-            owner_ == ::getpid()) {
-            return file_.Get();
-        }
+    // it was removed (a restored business) or another file stands there now, and in a forked child,
+    // which would share its parent's lock otherwise. -1 when it cannot be opened.
+    int LockFile(const std::string& path, Clock::time_point now) {
+        if (IsStillTheOne(path, now)) return file_.Get();
         file_ = LFileDescriptor(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666));
+        struct stat status {};
         if (!file_.IsOpen() || ::fstat(file_.Get(), &status) != 0) return -1;
         inode_ = status.st_ino;
         device_ = status.st_dev;
         owner_ = ::getpid();
+        lookedAt_ = now;
         return file_.Get();
     }
 
 private:
+    bool IsStillTheOne(const std::string& path, Clock::time_point now) {
+        struct stat status {};
+        if (owner_ != ::getpid() || !file_.IsOpen() || ::fstat(file_.Get(), &status) != 0 ||
+            status.st_nlink == 0) {
+            return false;
+        }
+        if (now - lookedAt_ < kLookAgainAfter) return true;
+        lookedAt_ = now;
+        return ::stat(path.c_str(), &status) == 0 && status.st_ino == inode_ &&
+               status.st_dev == device_;
+    }
     struct Waiter {
         std::condition_variable turn;
         Clock::time_point since = Clock::now();
@@ -92,6 +103,7 @@ private:
     ino_t inode_ = 0;
     dev_t device_ = 0;
     pid_t owner_ = 0;
+    Clock::time_point lookedAt_;
 };
 
 // One for each business that this process has moved stock of; they stay.
@@ -124,10 +136,11 @@ struct LHeldMovement {
 thread_local std::vector<LHeldMovement> heldMovements;
 
 LHeldMovement Acquire(const std::string& folder) {
-    const Clock::time_point deadline = Clock::now() + std::chrono::milliseconds(kLockTimeoutMs);
+    const Clock::time_point now = Clock::now();
+    const Clock::time_point deadline = now + std::chrono::milliseconds(kLockTimeoutMs);
     LMovementQueue& queue = QueueOf(folder);
     if (!queue.Enter(deadline)) return {folder};
-    const int file = queue.LockFile(folder + "/.movements");
+    const int file = queue.LockFile(folder + "/.movements", now);
     const bool isLocked = file >= 0 && LockFileUntil(file, deadline);
     return {folder, &queue, isLocked ? file : -1};
 }

@@ -103,7 +103,7 @@ LStockEntries GetStockEntries(const LProfile& profile, const LItem& item) {
 
 double GetQuantityInStock(const LProfile& profile, const LItem& item, std::string_view locationName,
                           eItemQuantity which) {
-    const LFileStoreListBase locations = profile.List("Locations");
+    const LFileStoreListBase& locations = profile.Locations();
     LRecord location;
     for (const LocationAndQuantities& entry : GetStockEntries(profile, item)) {
         if (!locations.Load(entry.location, location)) continue;
