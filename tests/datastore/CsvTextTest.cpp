@@ -51,17 +51,6 @@ TEST(CsvText, RowsEndAtLineEndsOutsideQuotes) {
     EXPECT_EQ(ReadAllRows("\r\n\n"), std::vector<Row>{});
 }
 
-TEST(CsvText, ARowTellsWhereItStands) {
-    const std::string text = "a,b\r\n\r\n\"c\r\nd\"\r\ne";
-    LCsvReader reader(text);
-    Row row;
-    std::vector<std::string> pieces;
-    while (reader.Next(row)) {
-        pieces.push_back(text.substr(reader.RowStart(), reader.RowEnd() - reader.RowStart()));
-    }
-    EXPECT_EQ(pieces, (Row{"a,b\r\n", "\"c\r\nd\"\r\n", "e"}));
-}
-
 TEST(CsvText, EveryRowComesBackAsItWas) {
     std::mt19937 random(4180);
     constexpr std::string_view kBytes = "ab,,\"\"\r\n \t\xC3\xA4;/";
@@ -80,21 +69,6 @@ TEST(CsvText, EveryRowComesBackAsItWas) {
         rows.push_back(std::move(row));
     }
     EXPECT_EQ(ReadAllRows(file), rows);
-}
-
-TEST(CsvText, AnyBytesAreRead) {
-    std::mt19937 random(1);
-    for (int i = 0; i < 5000; ++i) {
-        std::string text(random() % 40, '\0');
-        for (char& byte : text) byte = ",\"\r\n a"[random() % 6];
-        LCsvReader reader(text);
-        size_t end = 0;
-        for (Row row; reader.Next(row); end = reader.RowEnd()) {
-            ASSERT_GE(reader.RowStart(), end);
-            ASSERT_GT(reader.RowEnd(), reader.RowStart());
-        }
-        ParseCsvRow(text);
-    }
 }
 
 }  // namespace

@@ -128,15 +128,6 @@ TEST(FileStoreFailingCalls, LeaveTheOldOrTheNewText) {
     }
 }
 
-TEST_F(FileStoreFaults, ADiskThatRefusesToCutLeavesTheNewText) {
-    ASSERT_TRUE(Put(list_, "1", std::string(500, 'x')));
-    const LFailNthFileCall fault(1, EIO, LFaultSpan::kOnward);
-    EXPECT_TRUE(Put(list_, "1", "short"));
-    EXPECT_EQ(OpenAndGet(list_, "1", "a"), "short");
-    EXPECT_TRUE(Put(list_, "1", "shorter still?"));
-    EXPECT_EQ(OpenAndGet(list_, "1", "a"), "shorter still?");
-}
-
 TEST_F(FileStoreFaults, NewKeysWorkWithoutNamelessFilesAndWithoutAWatch) {
     const std::pair<LStoreCall, int> kMissing[] = {{LStoreCall::kLinkat, ENOENT},
                                                    {LStoreCall::kAddWatch, ENOSPC}};

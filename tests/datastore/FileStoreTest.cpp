@@ -1,4 +1,3 @@
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -97,20 +96,6 @@ TEST_F(FileStore, OpenAlwaysCreatesOnTheFirstSave) {
     list_.OpenAlways(record, "Options");  // saves first
     EXPECT_EQ(record.GetInt("DatabaseVersion", 3), 4);
     EXPECT_EQ(record.GetLoadedKey(), "Options");
-}
-
-TEST_F(FileStore, OpeningAnotherRecordSavesTheOneBefore) {
-    Put("1", "a=1");
-    Put("2", "a=2");
-    LRecord record;
-    ASSERT_TRUE(list_.Open(record, "1"));
-    record.SetString("a", "changed");
-    ASSERT_TRUE(list_.Open(record, "2"));
-    EXPECT_EQ(TextOf("1"), "a=changed");
-    EXPECT_EQ(record.GetString("a"), "2");
-    EXPECT_FALSE(list_.Open(record, "missing"));
-    EXPECT_FALSE(record.TestFieldExists("a"));
-    EXPECT_EQ(record.GetPrimaryKey(), "");
 }
 
 TEST_F(FileStore, LoadOnlyFillsTheFields) {
@@ -276,17 +261,6 @@ TEST_F(FileStore, AWalkSavesChangesAndEndsUnbound) {
     EXPECT_EQ(TextOf("1"), "a=1&b=1");
     EXPECT_EQ(TextOf("2"), "a=2");
     EXPECT_EQ(TextOf("3"), "a=3&b=3");
-}
-
-TEST_F(FileStore, RecordsOutliveTheirList) {
-    LRecord record;
-    {
-        const LFileStoreListBase list(LFileStoreDataStore(home_.Path()), "Misc");
-        list.OpenAlways(record, "Tax");
-    }
-    record.SetString("a", "1");
-    EXPECT_TRUE(record.Flush());
-    EXPECT_EQ(home_.ReadFile("Misc/Tax.dat"), "a=1");
 }
 
 TEST_F(FileStore, WhatCannotBeWrittenIsTriedAgainWithTheNextSave) {

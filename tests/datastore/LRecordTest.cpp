@@ -53,16 +53,6 @@ TEST(LRecord, SettingAnEqualValueLeavesItClean) {
     EXPECT_TRUE(record.IsDirty()) << "an empty value is a value";
 }
 
-TEST(LRecord, KeepsTheOrderInWhichFieldsCame) {
-    LRecord record;
-    record.SetString("b", "1");
-    record.SetString("a", "2");
-    record.DeleteField("b");
-    record.SetString("c", "3");
-    record.SetString("b", "4");
-    EXPECT_EQ(TextOf(record), "b=4&a=2&c=3");
-}
-
 TEST(LRecord, DefaultsAreNotStored) {
     LRecord record;
     record.SetInt("n", 0, 0);
@@ -198,16 +188,6 @@ TEST(LRecord, CutsNamesKeysAndShortTexts) {
     EXPECT_EQ(record.GetPrimaryKey().size(), 259U);
 }
 
-TEST(LRecord, NamesAreExactAndTheFirstWins) {
-    LRecord record;
-    record.Fields().Parse("a=1&A=2&a=3");
-    EXPECT_EQ(record.GetInt("a", 0), 1);
-    EXPECT_EQ(record.GetInt("A", 0), 2);
-    record.DeleteField("a");
-    EXPECT_EQ(record.GetInt("a", 9), 9) << "the second one does not take its place";
-    EXPECT_EQ(TextOf(record), "A=2&a=3");
-}
-
 TEST(LRecord, BinaryFieldsReadAsEmptyAndAreLeftAlone) {
     LRecord source, copy;
     source.Fields().AppendBinary("picture", std::string_view("\0\1\2", 3));
@@ -222,24 +202,6 @@ TEST(LRecord, BinaryFieldsReadAsEmptyAndAreLeftAlone) {
     EXPECT_EQ(copy.Fields().Binary(0).size(), 3U);
 }
 
-TEST(LRecord, CopiesFieldsWithoutKeysAndDeletedOnes) {
-    LRecord source, copy;
-    source.SetPrimaryKey("1");
-    source.SetString("a", "1");
-    source.SetString("b", "2");
-    source.DeleteField("a");
-    copy.SetPrimaryKey("9");
-    copy.SetString("old", "x");
-    copy.CopyRecord(source);
-    EXPECT_EQ(TextOf(copy), "b=2");
-    EXPECT_EQ(copy.GetPrimaryKey(), "9");
-    EXPECT_TRUE(copy.IsDirty());
-    EXPECT_TRUE(copy.Fields().IsChanged(0));
-    source.CopyRecord(source);
-    EXPECT_EQ(TextOf(source), "b=2");
-    EXPECT_EQ(source.Fields().Count(), 1U);
-}
-
 TEST(LRecord, ValuesMayComeFromTheRecordItself) {
     LRecord record;
     record.SetString("a", std::string(50, 'a'));
@@ -250,30 +212,6 @@ TEST(LRecord, ValuesMayComeFromTheRecordItself) {
     record.SetString("a", record.GetView("a").substr(5));
     EXPECT_EQ(record.GetString("b39"), std::string(50, 'a'));
     EXPECT_EQ(record.GetString("a"), std::string(45, 'a'));
-}
-
-TEST(LRecord, SavesWhenInvalidatedOrDestroyedButOnlyWhenDirty) {
-    std::vector<std::string> saved;
-    {
-        LRecord record;
-        BindTo(saved, record);
-    }
-    EXPECT_TRUE(saved.empty());
-    {
-        LRecord record;
-        BindTo(saved, record);
-        record.SetString("a", "1");
-        record.Invalidate();
-        EXPECT_FALSE(record.IsBound());
-        EXPECT_EQ(record.GetString("a", "none"), "none");
-        record.SetString("unbound", "1");
-    }
-    {
-        LRecord record;
-        BindTo(saved, record);
-        record.SetString("b", "2");
-    }
-    EXPECT_EQ(saved, (std::vector<std::string>{"a=1", "b=2"}));
 }
 
 TEST(LRecord, AFailedSaveIsToldOnceAndTheFieldsStay) {

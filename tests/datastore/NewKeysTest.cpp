@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "datastore/LFileStoreListBase.h"
-#include "datastore/LUsedNumbers.h"
 #include "tests/support/LTempFolder.h"
 
 namespace {
@@ -27,34 +26,6 @@ protected:
 };
 
 }  // namespace
-
-TEST(LUsedNumbers, FindsTheSmallestFreeOne) {
-    LUsedNumbers used;
-    EXPECT_EQ(used.SmallestFree(), 1U);
-    for (uint64_t number = 1; number <= 200; ++number) used.Add(number);
-    EXPECT_EQ(used.SmallestFree(), 201U);
-    used.Remove(64);
-    used.Remove(130);
-    used.Remove(5000);
-    EXPECT_EQ(used.SmallestFree(), 64U);
-    EXPECT_EQ(used.SmallestFree(65), 130U);
-    EXPECT_EQ(used.SmallestFree(131), 201U);
-    used.Add(64);
-    used.Add(130);
-    EXPECT_EQ(used.SmallestFree(), 201U);
-    used.Add(1000000000000);  // too large to be remembered
-    EXPECT_EQ(used.SmallestFree(1000000000000), 1000000000000U);
-    used.Clear();
-    EXPECT_EQ(used.SmallestFree(), 1U);
-}
-
-TEST(LUsedNumbers, ReadsFileNames) {
-    EXPECT_EQ(NumberOfFileName("17.dat"), 17U);
-    for (const char* name : {"017.dat", "0.dat", ".dat", "17", "17.DAT", "+17.dat", "17x.dat",
-                             "1 7.dat", "99999999999999999999999.dat", "17.dat.dat", ""}) {
-        EXPECT_FALSE(NumberOfFileName(name).has_value()) << name;
-    }
-}
 
 TEST_F(NewKeys, AreTheSmallestFreeNumbers) {
     EXPECT_EQ(Create(), "1");
@@ -105,30 +76,6 @@ TEST_F(NewKeys, StartAnewWhereTheFolderIsAnotherOne) {
     std::filesystem::create_directory(home_.File("Items"));
     Put("1.dat");
     EXPECT_EQ(Create(), "2");
-}
-
-// A restore puts another database in the place of the one before; the list folder itself was never
-// moved then.
-TEST_F(NewKeys, StartAnewWhereTheDatabaseIsAnotherOne) {
-    const auto create = [this] {
-        std::filesystem::create_directory(home_.File("Business"));
-        return Create("Business/Items");
-    };
-    EXPECT_EQ(create(), "1");
-    EXPECT_EQ(create(), "2");
-    Move("Business", "Before");
-    EXPECT_EQ(create(), "1");
-    std::filesystem::remove_all(home_.File("Business"));
-    Move("Before", "Business");
-    EXPECT_EQ(create(), "3");
-}
-
-TEST_F(NewKeys, OfManyListsInTurn) {
-    for (int round = 1; round <= 2; ++round) {  // more lists than are remembered
-        for (int list = 0; list < 70; ++list) {
-            EXPECT_EQ(Create("List" + std::to_string(list)), std::to_string(round));
-        }
-    }
 }
 
 TEST_F(NewKeys, OfSeveralThreadsAreAllDifferentAndNoneIsSkipped) {

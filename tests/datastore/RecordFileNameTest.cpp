@@ -30,18 +30,6 @@ TEST(MakeDataFilePath, EncodesTheKeyAndCutsAt259Bytes) {
     EXPECT_EQ(nameOf(Repeat(" ", 87)), "/db/Items/" + Repeat("%20", 86) + "%.dat");
 }
 
-TEST(RecordFileName, IsThePlainEncodingAsLongAsTheFileSystemTakesIt) {
-    EXPECT_EQ(RecordFileName("A/B c"), "A%2FB%20c.dat");
-    EXPECT_EQ(RecordFileName(""), "");
-    EXPECT_EQ(RecordFileName(Repeat("k", 251)), Repeat("k", 251) + ".dat");
-    EXPECT_EQ(KeyNote(Repeat("k", 251)), "");
-    EXPECT_EQ(KeyOfRecordFile("a+b%2fc.dat", ""), "a b/c");
-    EXPECT_EQ(KeyOfRecordFile(".dat", ""), "") << "no key at all";
-    EXPECT_EQ(KeyOfRecordFile("%00.dat", ""), "");
-    EXPECT_EQ(KeyOfRecordFile(Repeat("x", 251) + ".dat", "=other&a=1"), Repeat("x", 251))
-        << "a note counts only in a shortened file";
-}
-
 // Lengths around the end of a block; expected values from the system's own checksum program.
 TEST(Sha256Digest, IsTheOneOfOtherPrograms) {
     struct Case {

@@ -39,17 +39,6 @@ TEST(SharedSettings, AreElementsOfSections) {
     EXPECT_EQ(names, "Link(Key More )Other(Key )") << "new elements go to the end";
 }
 
-TEST(SharedSettings, MissingPiecesReadAsTheDefault) {
-    const LTempHome home;
-    home.WriteFile(kFile, "<A><b value='1'/><c/></A>");
-    EXPECT_EQ(LSharedSettingGetString("A", "b", "d"), "1");
-    EXPECT_EQ(LSharedSettingGetString("A", "c", "d"), "d");
-    EXPECT_EQ(LSharedSettingGetString("A", "x", "d"), "d");
-    EXPECT_EQ(LSharedSettingGetString("X", "b", "d"), "d");
-    ASSERT_TRUE(LSharedSettingSetString("A", "b", std::string(300, 'v')));
-    EXPECT_EQ(LSharedSettingGetString("A", "b", ""), std::string(259, 'v'));
-}
-
 TEST(SharedSettings, NamesThatAreNoElementsAreRefused) {
     const LTempHome home;
     ASSERT_TRUE(LSharedSettingSetString("A", "b", "1"));
@@ -62,17 +51,6 @@ TEST(SharedSettings, NamesThatAreNoElementsAreRefused) {
         EXPECT_EQ(LSharedSettingGetString("A", name, "d"), "d") << name;
     }
     EXPECT_EQ(home.ReadFile(kFile), before);
-}
-
-TEST(SharedSettings, NamesMayBeOfAnyLanguage) {
-    const LTempHome home;
-    for (const char* name : {"Größe", "Élan", "設定", "\xFF\xFE"}) {
-        EXPECT_TRUE(LSharedSettingSetString(name, name, name)) << name;
-    }
-    for (const char* name : {"Größe", "Élan", "設定"}) {
-        EXPECT_EQ(LSharedSettingGetString(name, name, "d"), name);
-    }
-    EXPECT_EQ(LSharedSettingGetString("\xFF\xFE", "\xFF\xFE", "d"), "\xFF\xFE");
 }
 
 TEST(SharedSettings, ADamagedFileIsMetWithoutHarm) {
@@ -109,18 +87,6 @@ TEST(SharedSettings, SavingADocumentReplacesTheFile) {
     struct stat status {};
     ASSERT_EQ(::stat(home.File(kFile).c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 0777, 0666u);
-}
-
-TEST(SharedSettings, ARecordIsOneSection) {
-    const LTempHome home;
-    LSharedSettingsRecord record("Window");
-    EXPECT_TRUE(record.SetString("Width", "800"));
-    EXPECT_TRUE(LSharedSettingSetString("Other", "Width", "1"));
-    EXPECT_EQ(record.GetString("Width"), "800");
-    EXPECT_EQ(record.GetString("Height", "600"), "600");
-    EXPECT_TRUE(record.DeleteRecord());
-    EXPECT_EQ(record.GetString("Width", "gone"), "gone");
-    EXPECT_EQ(LSharedSettingGetString("Other", "Width", ""), "1");
 }
 
 TEST(SharedSettings, ChangesOfSeveralProcessesAndThreadsAreAllKept) {

@@ -159,12 +159,4 @@ TYPED_TEST(SettingsList, ItsOwnNotesAreOutOfReach) {
     for (const char* name : {"ID", "Paper", "Names"}) EXPECT_EQ(record.GetString(name), "") << name;
 }
 
-TYPED_TEST(SettingsList, MeetsAMangledCount) {
-    ASSERT_EQ(this->list_.CreateNewRecord(), 1);
-    for (const char* count : {"-5", "many", ""}) {
-        ASSERT_TRUE(TypeParam("Printers").SetString("Count", count));
-        EXPECT_EQ(this->Numbers(), std::vector<int>{}) << count;
-    }
-}
-
 }  // namespace

@@ -98,15 +98,6 @@ TEST_F(BuildableStock, IsDerivedOnceHoweverOftenItIsNamed) {
     EXPECT_EQ(StockOf(below), "\"1/7.00000/0/0\",\"2/4.00000/0/0\",");
 }
 
-TEST_F(BuildableStock, AnswersForOneLocation) {
-    SetBill(kit_, "\"A/2.00\",");
-    LItem kit;
-    ASSERT_TRUE(OpenItem(shop_.Profile(), kit, "Kit"));
-    EXPECT_EQ(GetItemsInStock(shop_.Profile(), kit, "Main"), 3);
-    EXPECT_EQ(GetItemsInStock(shop_.Profile(), kit, "Yard"), 2);
-    EXPECT_EQ(GetQuantityInStock(shop_.Profile(), kit, "Yard", kItemQuantityWarn), 0);
-}
-
 TEST(BillOfMaterials, KnowsWhatIsBuiltFromWhat) {
     LTestBusiness shop;
     const std::string a = shop.AddItem("A", ""), ab = shop.AddItem("AB", "");

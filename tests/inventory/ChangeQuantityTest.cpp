@@ -156,15 +156,6 @@ TEST(LItemChangeQuantity, DoesNotBringADeletedItemBack) {
     EXPECT_EQ(shop.ItemFile(key), "no file");
 }
 
-TEST(LItemChangeQuantity, SavesANewItemWithItsFirstStock) {
-    LTestBusiness shop;
-    LItem item;
-    shop.Profile().Items().CreateNewRecord(item);
-    item.SetString("Name", "A");
-    EXPECT_TRUE(LItemChangeQuantity(shop.Profile(), item, 2, "Main", true));
-    EXPECT_EQ(shop.StoredStock(item.GetPrimaryKey()), "\"1/2.00/0.00/0.00\",");
-}
-
 class BuiltItemChange : public testing::Test {
 protected:
     bool Change(std::string_view code, double delta, bool allowNegative = true) {

@@ -3,7 +3,6 @@
 #include <signal.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <array>
 #include <cerrno>
@@ -122,18 +121,6 @@ TEST(HistoryRows, QuantitiesReadBackInTheFormatsOfTheBusiness) {
     EXPECT_EQ(ReadHistoryQuantity(shop.profile, "3.00.1"), std::nullopt);
 }
 
-TEST(HistoryRows, ADayHasAFileAndTheNextDayAnother) {
-    const LTestShop shop;
-    ASSERT_TRUE(CreateNewSellRecord(shop.profile, Sale(kMonday)));
-    ASSERT_TRUE(CreateNewSellRecord(shop.profile, Sale(kMonday)));
-    ASSERT_TRUE(CreateNewSellRecord(shop.profile, Sale(kTuesday)));
-    const std::string row = "3.00,17,$4.50,Main,Smith,$13.50,\r\n";
-    EXPECT_EQ(shop.SellFile(kMonday), row + row);
-    EXPECT_EQ(shop.SellFile(kTuesday), row);
-    EXPECT_EQ(LGetSellCSVFilePath(shop.profile, kMonday),
-              shop.profile.DatabaseFolder() + "/Sellhistory/2024-03-04.csv");
-}
-
 TEST(HistoryRows, APathMakesItsFolderAndADayThatIsNoneHasNoPath) {
     const LTestShop shop;
     EXPECT_EQ(LGetReceiveCSVFilePath(shop.profile, {2024, 2, 30}), "");
@@ -165,12 +152,6 @@ TEST(HistoryRows, ARowThatCannotBeWrittenWholeLeavesNothingBehind) {
     });
     EXPECT_EQ(child.Wait(), 0);
     EXPECT_EQ(shop.SellFile(kMonday), before);
-}
-
-TEST(HistoryRows, AFolderThatCannotBeMadeIsAFalse) {
-    const LTestShop shop;
-    shop.home.WriteFile("shop/Sellhistory", "a file where the folder should be");
-    EXPECT_FALSE(CreateNewSellRecord(shop.profile, Sale(kMonday)));
 }
 
 TEST(HistoryRows, AValueIsFoundOnlyWholeAndInItsColumn) {
@@ -265,16 +246,6 @@ TEST(HistoryFile, RowsAppendedBetweenTwoRewritesAreKept) {
     }
     EXPECT_EQ(appender.Wait(), 0);
     EXPECT_EQ(shop.SoldRows(kMonday, kMonday).size(), 1u + kRows);
-}
-
-TEST(HistoryFile, WhatIsNoDayFileIsNotRead) {
-    const LTempFolder folder;
-    ASSERT_EQ(::mkfifo(folder.File("pipe.csv").c_str(), 0600), 0);
-    std::filesystem::create_directory(folder.File("folder.csv"));
-    std::string text;
-    for (const char* name : {"pipe.csv", "folder.csv", "missing.csv"}) {
-        EXPECT_FALSE(LHistoryFile(folder.File(name), LHistoryAccess::kRead).Read(text)) << name;
-    }
 }
 
 TEST(HistoryRows, RowsOfFourProcessesNeverMix) {

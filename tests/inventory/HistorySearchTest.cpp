@@ -97,15 +97,6 @@ TEST_F(HistorySearch, RowsShowTheItemAndWriteOffsAreNamedSo) {
     EXPECT_EQ(rows[3].fields.size(), 8u);
 }
 
-TEST_F(HistorySearch, ProgressNamesEachFileAndEndsWithTheCount) {
-    LSilentProcess process;
-    LFillSellHistoryList(shop_.profile, Within(kMonday, kTuesday), process, [](const auto&) {});
-    EXPECT_EQ(
-        process.statusTexts,
-        (std::vector<std::string>{"Searching records for 2024-03-04.csv...",
-                                  "Searching records for 2024-03-05.csv...", "4 records found"}));
-}
-
 TEST_F(HistorySearch, AnEndBeforeTheStartIsRefused) {
     LSilentProcess process;
     const auto never = [](const LHistoryRow&) { ADD_FAILURE(); };

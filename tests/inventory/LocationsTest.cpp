@@ -181,16 +181,6 @@ TEST_F(Locations, AFailureAtAnyMomentConvertsAllFilesOrNone) {
     EXPECT_GE(refusals, 7) << "four files are read, three of them written";
 }
 
-TEST_F(Locations, ItemsKeepReferringToTheLocationByItsKey) {
-    shop_.AddItem("BOLT", 7);
-    EXPECT_TRUE(LLocationList::bExistInItems(shop_.profile, "Main"));
-    EXPECT_TRUE(Save("1", "Store").IsNone());
-    EXPECT_EQ(shop_.Stock("BOLT", "Store"), 7);
-    EXPECT_TRUE(LLocationList::bExistInItems(shop_.profile, "Store"));
-    EXPECT_FALSE(LLocationList::bExistInItems(shop_.profile, "store")) << "letter case counts";
-    EXPECT_FALSE(LLocationList::bExistInItems(shop_.profile, "Main"));
-}
-
 TEST_F(Locations, NeededOnesAreNotDeletedAndTheOthersAre) {
     shop_.AddItem("BOLT", 7);
     const std::string depot = shop_.AddLocation("Depot"), yard = shop_.AddLocation("Yard"),

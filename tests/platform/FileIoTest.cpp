@@ -7,7 +7,6 @@
 #include <cerrno>
 
 #include "platform/LFileDescriptor.h"
-#include "platform/LSharedLibrary.h"
 #include "platform/LTempFile.h"
 #include "tests/support/LFailNthFileCall.h"
 #include "tests/support/LTempFolder.h"
@@ -49,27 +48,6 @@ TEST(FileIo, ReadsWholeFilesAndNothingElse) {
     EXPECT_EQ(ReadFile(folder.Path()), std::nullopt);
     EXPECT_EQ(ReadFile(folder.File("pipe")), "") << "nobody writes there, and nobody waits";
     EXPECT_FALSE(ReadFile("/proc/self/status").value_or("").empty()) << "has a size of 0";
-}
-
-TEST(FileIo, MakesMissingParentsPrivateAndTheFolderAsAsked) {
-    LTempFolder folder;
-    const LScopedMask noMask(0);
-    const std::string deep = folder.File("a/b/Shared");
-    EXPECT_TRUE(MakeFolderTree(deep + "//", 0777));
-    EXPECT_EQ(ModeOf(deep), 0777u);
-    EXPECT_EQ(ModeOf(folder.File("a")), 0700u);
-    EXPECT_EQ(ModeOf(folder.File("a/b")), 0700u);
-    EXPECT_TRUE(MakeFolderTree(deep, 0700));
-    EXPECT_EQ(ModeOf(deep), 0777u) << "a folder that is there stays as it is";
-}
-
-TEST(FileIo, RefusesAFolderWhereAFileStands) {
-    LTempFolder folder;
-    folder.WriteFile("file", "x");
-    EXPECT_FALSE(MakeFolderTree(folder.File("file")));
-    EXPECT_FALSE(MakeFolderTree(folder.File("file/below")));
-    EXPECT_FALSE(MakeFolderTree(""));
-    EXPECT_EQ(folder.ReadFile("file"), "x");
 }
 
 TEST(LTempFile, ReplacesItsTargetOnCommitOnly) {
@@ -131,17 +109,4 @@ TEST(LTempFile, AnIncompleteTextIsNeverCommitted) {
     EXPECT_FALSE(file.Commit());
     EXPECT_EQ(folder.ReadFile("target"), "old");
     EXPECT_EQ(folder.FileCount(), 1);
-}
-
-TEST(LSharedLibrary, IsThereOrAnswersWithNothing) {
-    const LSharedLibrary library("libc.so.6");
-    ASSERT_TRUE(library.IsLoaded());
-    const auto absolute = library.Find<int(int)>("abs");
-    ASSERT_NE(absolute, nullptr);
-    EXPECT_EQ(absolute(-3), 3);
-    EXPECT_EQ(library.Find<void()>("no_such_function"), nullptr);
-
-    const LSharedLibrary missing("libno-such-library.so.9");
-    EXPECT_FALSE(missing.IsLoaded());
-    EXPECT_EQ(missing.Find<int(int)>("abs"), nullptr);
 }

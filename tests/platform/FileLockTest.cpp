@@ -5,11 +5,8 @@
 
 #include <algorithm>
 #include <chrono>
-#include <thread>
 
 #include "platform/LFileDescriptor.h"
-#include "platform/LSignalObject.h"
-#include "tests/support/LChildProcess.h"
 #include "tests/support/LScopedAlarm.h"
 #include "tests/support/LTempFolder.h"
 
@@ -39,15 +36,6 @@ protected:
 
 }  // namespace
 
-TEST_F(FileLock, ReadersShareAndAWriterStandsAlone) {
-    const LFileDescriptor first = Open();
-    const LFileDescriptor second = Open();
-    const LFileDescriptor third = Open();
-    EXPECT_TRUE(flocktimed(first.Get(), LFileLockKind::kShared, 0));
-    EXPECT_TRUE(flocktimed(second.Get(), LFileLockKind::kShared, 0));
-    EXPECT_FALSE(flocktimed(third.Get(), LFileLockKind::kExclusive, 0));
-}
-
 TEST_F(FileLock, GivesUpWhenTheNextPauseWouldReachTheTimeout) {
     const LFileDescriptor holder = Open();
     const LFileDescriptor other = Open();
@@ -74,36 +62,6 @@ TEST_F(FileLock, InterruptedPausesAreResumed) {
     const long spentMs = TryFor(other, LFileLockKind::kExclusive, kTimeoutMs, taken);
     EXPECT_FALSE(taken);
     EXPECT_GE(spentMs, kAllPausesMs);
-}
-
-TEST_F(FileLock, TheLockOfAnotherProcessIsHadWhenThatOneDies) {
-    const LSignalObject isLocked;
-    LChildProcess child([&] {
-        const LFileDescriptor held = Open();
-        if (!flocktimed(held.Get(), LFileLockKind::kExclusive)) return 1;
-        isLocked.Set();
-        for (;;) std::this_thread::sleep_for(std::chrono::seconds(1));
-    });
-    ASSERT_TRUE(isLocked.Wait(5000));
-
-    const LFileDescriptor mine = Open();
-    EXPECT_FALSE(flocktimed(mine.Get(), LFileLockKind::kShared, 0));
-    child.Kill();
-    EXPECT_TRUE(flocktimed(mine.Get(), LFileLockKind::kExclusive, 0));
-}
-
-TEST_F(FileLock, WaitsForALockThatIsGivenBackInTime) {
-    LFileDescriptor holder = Open();
-    const LFileDescriptor other = Open();
-    ASSERT_TRUE(flocktimed(holder.Get(), LFileLockKind::kExclusive));
-    std::thread release([&] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
-        holder.Close();
-    });
-    bool taken = false;
-    EXPECT_GE(TryFor(other, LFileLockKind::kExclusive, kTimeoutMs, taken), 50);
-    EXPECT_TRUE(taken);
-    release.join();
 }
 
 TEST_F(FileLock, AnErrorIsNoReasonToWait) {

@@ -40,18 +40,6 @@ TEST(Folders, PlatformFoldersStandBelowTheTestRoot) {
     EXPECT_EQ(PlatformPath("/Users/ada"), "/Users/ada");
 }
 
-TEST(Folders, TheUserNameHasASecondSource) {
-    const LScopedEnvironment user("USER", "grace");
-    {
-        const LScopedEnvironment logname("LOGNAME", "ada");
-        EXPECT_EQ(LogonUserName(), "ada");
-    }
-    const LScopedEnvironment logname("LOGNAME", "");
-    EXPECT_EQ(LogonUserName(), "grace");
-    const LScopedEnvironment nobody("USER", "");
-    EXPECT_EQ(LogonUserName(), "");
-}
-
 TEST(Folders, TheSharedFolderIsMadeForAllBelowPrivateParents) {
     const LTempHome home;
     const mode_t mask = ::umask(0);
@@ -72,15 +60,4 @@ TEST(Folders, AContainerThatExistsHoldsTheSharedFolder) {
     EXPECT_FALSE(fs::exists(container)) << "never made here";
     fs::create_directories(container);
     EXPECT_EQ(GetSharedDataFolderApp(), container);
-}
-
-TEST(Folders, ASharedFolderThatCannotBeMadeKeepsItsName) {
-    const LTempHome home;
-    home.WriteFile("data/Quillmarsh", "a file in the way");
-    EXPECT_EQ(GetSharedDataFolderApp(), home.File("data/Quillmarsh/Shared"));
-    EXPECT_EQ(home.ReadFile("data/Quillmarsh"), "a file in the way");
-}
-
-TEST(Folders, TheRunningProgramIsFound) {
-    EXPECT_TRUE(fs::equivalent(ExecutablePath(), "/proc/self/exe"));
 }

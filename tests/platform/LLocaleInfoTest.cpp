@@ -76,22 +76,6 @@ TEST(LLocaleInfo, NamesWithoutACountryCountAsTheUnitedStates) {
     EXPECT_EQ(GetLocaleInfoFor("de").decimalSeparator, ",") << "the language tells that much";
 }
 
-TEST(LLocaleInfo, TheEnvironmentIsReadInThePosixOrder) {
-    const LScopedEnvironment lang("LANG", "en_GB.UTF-8");
-    const LScopedEnvironment monetary("LC_MONETARY", "de_DE.UTF-8");
-    const LScopedEnvironment numeric("LC_NUMERIC", "");
-    const LScopedEnvironment time("LC_TIME", "");
-    {
-        const LScopedEnvironment all("LC_ALL", "");
-        EXPECT_EQ(GetLocaleInfo().country, "GB") << "an empty variable counts as missing";
-        EXPECT_EQ(GetLocaleInfo().decimalSeparator, ".");
-        EXPECT_EQ(GetLocaleInfo().currencySymbol, "€");
-    }
-    const LScopedEnvironment all("LC_ALL", "sv_SE.UTF-8");
-    EXPECT_EQ(GetLocaleInfo().country, "SE");
-    EXPECT_EQ(GetLocaleInfo().currencySymbol, "kr");
-}
-
 TEST(LLocaleInfo, EachCategoryHasItsOwnVariable) {
     struct Case {
         const char *all, *numeric, *monetary, *time;

@@ -50,12 +50,6 @@ std::chrono::milliseconds TimeOf(Work work) {
 
 }  // namespace
 
-TEST_F(SocketPair, PreparedSocketsNeverBlockAndAreNotInherited) {
-    EXPECT_NE(::fcntl(mine_.Get(), F_GETFL) & O_NONBLOCK, 0);
-    EXPECT_NE(::fcntl(mine_.Get(), F_GETFD) & FD_CLOEXEC, 0);
-    EXPECT_FALSE(PrepareSocket(-1));
-}
-
 TEST_F(SocketPair, BytesThatComeInPiecesAreReceivedWhole) {
     std::thread sender([&] {
         for (const char* piece : {"he", "ll", "o and more"}) {
