@@ -9,20 +9,6 @@
 #include "datastore/NumberText.h"
 #include "platform/TextLimits.h"
 
-namespace {
-
-int DecimalsFor(double value, int atLeast) {
-    std::array<char, 512> buffer;
-    const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
-                                      std::chars_format::fixed);
-    if (result.ec != std::errc()) return atLeast;
-    const auto point = std::find(buffer.data(), result.ptr, '.');
-    return point == result.ptr ? atLeast
-                               : std::max(atLeast, static_cast<int>(result.ptr - point) - 1);
-}
-
-}  // namespace
-
 std::string_view TakePiece(std::string_view& element) {
     const size_t slash = element.find('/');
     const std::string_view piece = element.substr(0, slash);
@@ -37,6 +23,16 @@ void AppendStoredNumber(std::string& out, double value, int digits) {
     const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
                                       std::chars_format::fixed, HoldDigits(digits));
     out.append(buffer.data(), result.ptr);
+}
+
+int DecimalsFor(double value, int atLeast) {
+    std::array<char, 512> buffer;
+    const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
+                                      std::chars_format::fixed);
+    if (result.ec != std::errc()) return atLeast;
+    const auto point = std::find(buffer.data(), result.ptr, '.');
+    return point == result.ptr ? atLeast
+                               : std::max(atLeast, static_cast<int>(result.ptr - point) - 1);
 }
 
 void AppendExactNumber(std::string& out, double value, int atLeast) {

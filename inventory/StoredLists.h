@@ -12,8 +12,9 @@ std::string_view TakePiece(std::string_view& element);
 
 // With `digits` decimals (held to 0 ... 15). What is no finite number is written as 0.
 void AppendStoredNumber(std::string& out, double value, int digits);
-// With the fewest decimals, at least `atLeast`, with which it is read back as it is: small ones are
+// The fewest decimals, at least `atLeast`, with which a value is read back as it is: small ones are
 // not rounded away.
+int DecimalsFor(double value, int atLeast);
 void AppendExactNumber(std::string& out, double value, int atLeast);
 // The text of a value, so that it is read back: a double quote in it is doubled.
 void AppendStoredText(std::string& out, std::string_view text);

@@ -254,6 +254,34 @@ std::string LTransferCancel(const LProfile& profile, std::string_view id,
              TextOf(transfer, "cancelled"));
 }
 
+LTransferError LTransferStock(const LProfile& profile, LTransfer& transfer,
+                              const LTransferInput& input, const LTransferStep& step,
+                              LTransferState until, LShortage shortage) {
+    const LMovementLock lock(profile);  // nobody takes a step of it in between
+    LTransferError error = LTransferRequest(profile, transfer, input, step);
+    if (!error.IsNone() || until == LTransferState::kRequested) return error;
+    const std::string id = transfer.GetPrimaryKey();
+    transfer.Invalidate();
+    const LTransferList transfers(profile);
+    std::string problem = LTransferSend(profile, id, step, shortage);
+    if (!problem.empty()) {
+        transfers.Delete(id);
+    } else if (until == LTransferState::kReceived) {
+        problem = LTransferReceive(profile, id, step);
+        if (!problem.empty()) {
+            const std::string kept = LTransferCancel(profile, id, step);
+            if (!kept.empty()) problem += "\n" + kept;
+        }
+    }
+    if (problem.empty()) {
+        static_cast<void>(transfers.Open(transfer, id));
+        return {};
+    }
+    static_cast<LFieldError<LTransferField>&>(error) =
+        LFieldError<LTransferField>::General(std::move(problem));
+    return error;
+}
+
 std::vector<std::string> TransferShortages(const LProfile& profile, const LTransfer& transfer) {
     const std::string from = transfer.FromName(profile);
     LPartsList list(profile);

@@ -85,6 +85,13 @@ enum class LShortage { kRefuse, kAllow };
 [[nodiscard]] std::string LTransferCancel(const LProfile& profile, std::string_view id,
                                           const LTransferStep& step);
 
+// Makes a transfer and takes its steps up to `until` (requested, sent or received) at once. On an
+// error nothing has moved and no transfer is left, except that one which could be sent but not
+// received is left cancelled.
+LTransferError LTransferStock(const LProfile& profile, LTransfer& transfer,
+                              const LTransferInput& input, const LTransferStep& step,
+                              LTransferState until, LShortage shortage);
+
 // A sentence for each item of which the source does not hold what the transfer needs; the quantity
 // of a built item counts by its components.
 std::vector<std::string> TransferShortages(const LProfile& profile, const LTransfer& transfer);

@@ -17,6 +17,8 @@
 #include "web/pages/MainPage.h"
 #include "web/pages/MovementDialog.h"
 #include "web/pages/SupplierPages.h"
+#include "web/pages/TransferDialogs.h"
+#include "web/pages/TransferPages.h"
 #include "web/server/LWebletScripts.h"
 
 namespace {
@@ -31,14 +33,10 @@ struct LPlannedPage {
     std::string_view name, title;
 };
 constexpr LPlannedPage kPlannedPages[] = {
-    {"transferlist", "Transfers"},
-    {"itemtransfer", "Move stock"},
     {"orderlist", "Purchase orders"},
     {"orderprop", "Purchase order"},
     {"itemonorderlist", "On order"},
     {"orderlowstockitems", "Order low stock"},
-    {"itembomprop", "Bill of materials"},
-    {"customerotherprop", "Customer details"},
     {"reports", "Reports"},
 };
 
@@ -65,18 +63,18 @@ constexpr LWebScript WebScriptArray[] = {
     {"itemselllist", WLWebPageRun<LAppWebItemSellListPage>},
     {"checkcat", WLCatAdd},
     {"itemprop", WLWebDialogRun<LAppWebItemDialog>},
-    {"itemtransfer", WLNotBuilt},
+    {"itemtransfer", WLWebDialogRun<LAppWebItemTransferDialog>},
     {"itempurchasesell", WLWebDialogRun<LAppWebItemPurchaseSellDialog>},
     {"itemdelete", WLItemDelete},
     {"catlist", WLWebPageRun<LAppWebCatPage>},
     {"catprop", WLWebDialogRun<LAppWebCatDialog>},
     {"catdelete", WLCatDelete},
-    {"transferlist", WLNotBuilt},
-    {"transferview", WLNotBuilt},
-    {"transfernote", WLNotBuilt},
-    {"transfersend", WLNotBuilt},
-    {"transferreceive", WLNotBuilt},
-    {"transfercancel", WLNotBuilt},
+    {"transferlist", WLWebPageRun<LWebTransferListPage>},
+    {"transferview", WLWebDialogRun<LWebTransferViewDialog>},
+    {"transfernote", WLWebDialogRun<LWebTransferNoteDialog>},
+    {"transfersend", WLWebDialogRun<LWebTransferSendReceiveDialog>},
+    {"transferreceive", WLWebDialogRun<LWebTransferSendReceiveDialog>},
+    {"transfercancel", WLTransferCancel},
     {"generateTransferPDF", WLNotBuilt},
     {"supplierlist", WLWebPageRun<LAppWebSupplierPage>},
     {"supplierprop", WLWebDialogRun<LAppWebSupplierDialog>},
@@ -84,7 +82,7 @@ constexpr LWebScript WebScriptArray[] = {
     {"customerlist", WLWebPageRun<LAppWebCustomerPage>},
     {"customerprop", WLWebDialogRun<LAppWebCustomerDialog>},
     {"customerdelete", WLCustomerDelete},
-    {"customerotherprop", WLNotBuilt},
+    {"customerotherprop", WLWebDialogRun<LWebCustomerOtherDialog>},
     {"loclist", WLWebPageRun<LAppWebLocPage>},
     {"locprop", WLWebDialogRun<LAppWebLocDialog>},
     {"locdelete", WLLocDelete},
@@ -111,7 +109,7 @@ constexpr LWebScript WebScriptArray[] = {
     {"orderchangeloc", WLNotBuilt},
     {"orderlowstockitems", WLNotBuilt},
     {"iteminventoryprop", WLWebDialogRun<LAppWebItemInventoryDialog>},
-    {"itembomprop", WLNotBuilt},
+    {"itembomprop", WLWebDialogRun<LAppWebItemBOMDialog>},
     {"reportredirect", WLNotBuilt},
     {"generatesuppreport", WLNotBuilt},
     {"generateloccatreport", WLNotBuilt},

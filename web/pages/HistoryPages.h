@@ -5,12 +5,17 @@
 #include "web/accounts/BusinessPages.h"
 
 // A range of days, an item, and the rows found. Without a range in the address it shows the last 30
-// days.
+// days. The field "row" asks to delete that row, which is confirmed first.
 class LHistoryPage : public LWebPageEx {
 public:
     using LWebPageEx::LWebPageEx;
+    void Open() override;
 
 protected:
+    // The operation of HistoryDelete.h that belongs to this history.
+    virtual void DeleteRow(LUserInterface& ui, const LHistoryRowId& row) = 0;
+    // The form that the rows' buttons belong to; it carries the filter back.
+    void PrintDeleteForm();
     LHistoryFilter ReadFilter();
     // The dates and the item, written into the filter row of `page`.
     void PrintFilters(std::string_view page, const LHistoryFilter& filter,
@@ -24,6 +29,7 @@ public:
 
 protected:
     void Generate() override { SetTitle("Receiving history"); }
+    void DeleteRow(LUserInterface& ui, const LHistoryRowId& row) override;
     void PrintBody() override;
 };
 
@@ -33,5 +39,6 @@ public:
 
 protected:
     void Generate() override { SetTitle("Sales history"); }
+    void DeleteRow(LUserInterface& ui, const LHistoryRowId& row) override;
     void PrintBody() override;
 };

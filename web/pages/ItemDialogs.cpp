@@ -1,34 +1,27 @@
 #include "web/pages/ItemDialogs.h"
 
-#include <algorithm>
 #include <array>
 
 #include "inventory/MasterRecords.h"
 #include "inventory/MovementLock.h"
 #include "inventory/StockQuantities.h"
-#include "platform/RandomSource.h"
-#include "web/framework/LHtmlList.h"
-#include "web/framework/PageTargets.h"
-#include "web/framework/TabData.h"
+#include "web/pages/ItemLines.h"
 #include "web/pages/NameChoices.h"
 
 namespace {
 
-constexpr size_t kDraftLetters = 8;
-
-bool IsDraftName(std::string_view text) {
-    return text.size() == kDraftLetters &&
-           std::all_of(text.begin(), text.end(), [](char c) { return c >= 'a' && c <= 'z'; });
-}
+constexpr LDialogTab kTabs[] = {
+    {"itemprop", "General", "item-general."},
+    {"iteminventoryprop", "Inventory", "item-inventory."},
+    {"itembomprop", "Components", "item-components."},
+};
 
 }  // namespace
 
-// --- both tabs ---
+// --- all tabs ---
 
-LItemTabDialog::LItemTabDialog(LWebletForm& form, LTab tab)
-    : LWebDialogEAWithNavTabs(form), tab_(tab) {
+LItemTabDialog::LItemTabDialog(LWebletForm& form, LTab tab) : LTabbedDialog(form, kTabs, tab) {
     SetOkCancelPage("itemlist", "itemlist");
-    KeepParameter("id");
 }
 
 bool LItemTabDialog::Prepare() {
@@ -37,47 +30,28 @@ bool LItemTabDialog::Prepare() {
         Redirect("itemlist");  // another tab was quicker
         return false;
     }
-    const std::string draft = Form().Parameter("draft");
-    draft_ = IsDraftName(draft) ? draft : RandomLetters(kDraftLetters);
     SetTitle(id.empty() ? "New item" : "Item " + item_.GetString("Name"));
-    SetTabName(TabDataName(tab_));
-    Tabs().AddTab(TabPage(LTab::kGeneral), "General");
-    Tabs().AddTab(TabPage(LTab::kInventory), "Inventory");
-    Tabs().Select(static_cast<size_t>(tab_));
+    PrepareTabs(item_.GetPrimaryKey());
     return true;
 }
 
-std::string LItemTabDialog::TabDataName(LTab tab) const {
-    return (tab == LTab::kGeneral ? "item-general." : "item-inventory.") + draft_;
-}
-
-std::string LItemTabDialog::TabPage(LTab tab) const {
-    return WLMakeLink(tab == LTab::kGeneral ? "itemprop" : "iteminventoryprop",
-                      {{"id", item_.GetPrimaryKey()}, {"draft", draft_}});
-}
-
-void LItemTabDialog::Generate() {
-    PassPriviligies(Script());
-    AddHiddenField("draft", draft_);
-    GenerateTab(ShownFields());
-}
-
-LHashTable LItemTabDialog::ShownFields() {
-    if (std::optional<LHashTable> kept = ReadTabData(Form(), TabDataName(tab_))) return *kept;
-    return tab_ == LTab::kGeneral ? GeneralFieldsOf(Profile(), item_)
-                                  : StockFieldsOf(Profile(), item_);
-}
-
-LHashTable LItemTabDialog::Fields(LTab tab) {
-    if (tab == tab_) return Form().Parameters();
-    if (std::optional<LHashTable> kept = ReadTabData(Form(), TabDataName(tab))) return *kept;
-    return tab == LTab::kGeneral ? GeneralFieldsOf(Profile(), item_)
-                                 : StockFieldsOf(Profile(), item_);
+LHashTable LItemTabDialog::StoredFields(size_t tab) {
+    switch (tab) {
+        case kGeneral:
+            return GeneralFieldsOf(Profile(), item_);
+        case kInventory:
+            return StockFieldsOf(Profile(), item_);
+        default:
+            return ComponentFieldsOf(Profile(), item_);
+    }
 }
 
 bool LItemTabDialog::CmOk() {
     if (!Save()) return false;
     CmCancel();
+    if (!notice_.empty()) {
+        AnswerScript("alert('%J');window.location = '%J';\n", notice_, OnOk());
+    }
     return true;
 }
 
@@ -92,37 +66,37 @@ bool LItemTabDialog::Save() {
             return false;
         }
     }
-    const LItemInput general = GeneralInput(Fields(LTab::kGeneral), item_);
-    LItemError error = LItemCheckGeneral(Profile(), general);
-    LStockFieldsError stockError;
-    std::optional<LItemStockInput> stock;
-    if (error.IsNone()) {
-        stock = StockInput(Profile(), Fields(LTab::kInventory), item_, stockError);
-        if (!stock) return ShowError(LTab::kInventory, stockError.control, stockError.message);
-        error = LItemSaveGeneral(Profile(), item_, general);
+    LItemInput general = GeneralInput(Fields(kGeneral), item_);
+    LTabFieldError error;
+    // A bill that nobody looked at stays as it is stored, also where it names what is gone.
+    const std::optional<LHashTable> components = EnteredFields(kComponents);
+    if (components && !ComponentsInput(Profile(), *components, general, error)) {
+        return ShowError(kComponents, error.control, error.message);
     }
-    if (error.IsNone()) error = LItemSaveStock(Profile(), item_, *stock);
-    if (error.IsNone()) return true;
-    const bool isStock = error.field == LItemField::kLocations;
-    return ShowError(isStock ? LTab::kInventory : LTab::kGeneral,
-                     isStock ? ItemRowControl(0, kRowQuantity)
-                             : GeneralControlOf(error.field.value_or(LItemField::kCode)),
-                     error.message);
+    const LItemError generalError = LItemCheckGeneral(Profile(), general);
+    if (!generalError.IsNone()) return ShowItemError(generalError);
+    const std::optional<LItemStockInput> stock =
+        StockInput(Profile(), Fields(kInventory), item_, error);
+    if (!stock) return ShowError(kInventory, error.control, error.message);
+    return SaveAll(general, *stock);
 }
 
-// Beside its field, or above the form when the field stands on the other tab. Always false.
-bool LItemTabDialog::ShowError(LTab tab, int control, const std::string& message) {
-    if (tab == tab_) {
-        PopupControlDataInvalid(control, message);
-    } else {
-        PopupBoxError((tab == LTab::kGeneral ? "General: " : "Inventory: ") + message);
-    }
-    return false;
+bool LItemTabDialog::SaveAll(const LItemInput& general, const LItemStockInput& stock) {
+    LItemError error = LItemSaveGeneral(Profile(), item_, general, &notice_);
+    if (error.IsNone()) error = LItemSaveStock(Profile(), item_, stock);
+    return error.IsNone() || ShowItemError(error);
 }
 
-void LItemTabDialog::CmCancel() {
-    DropTabData(Form(), TabDataName(LTab::kGeneral));
-    DropTabData(Form(), TabDataName(LTab::kInventory));
+bool LItemTabDialog::ShowItemError(const LItemError& error) {
+    switch (error.field.value_or(LItemField::kCode)) {
+        case LItemField::kLocations:
+            return ShowError(kInventory, ItemRowControl(0, kRowQuantity), error.message);
+        case LItemField::kComponents:
+            return ShowError(kComponents, ItemLineCode(kItemComponents, 0), error.message);
+        default:
+            return ShowError(kGeneral, GeneralControlOf(error.field.value_or(LItemField::kCode)),
+                             error.message);
+    }
 }
 
 // --- what an item is ---
@@ -267,4 +241,23 @@ void LAppWebItemInventoryDialog::GenerateDerivedStock() {
     }
     StartRow().AddStaticSmall("Built from components: this is how many they allow.");
     EndGroupBox();
+}
+
+// --- what it is made of ---
+
+void LAppWebItemBOMDialog::GenerateTab(const LHashTable& fields) {
+    StartRow().AddStatic("").AddCheckBox(kItemIsBuilt, "Built from components",
+                                         !Field(fields, kItemIsBuilt).empty());
+    StartGroupBox("Components of one unit");
+    std::vector<LItemLineText> lines = ReadItemLines(fields, kItemComponents);
+    for (LItemLineText& line : lines) line.note = ComponentNote(Profile(), line.code);
+    AddItemLines(*this, Script(), Profile(), kItemComponents, lines);
+    StartRow().AddStaticSmall(
+        "A built item keeps no stock of its own: selling or receiving it moves its components.");
+    EndGroupBox();
+    // Who enters a component means it.
+    Script().AddStartUp(
+        "document.getElementById('lines%d').addEventListener('input', function() {"
+        "document.getElementById('%d').checked = true;});",
+        static_cast<int>(kItemComponents), static_cast<int>(kItemIsBuilt));
 }

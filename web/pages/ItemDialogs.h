@@ -1,42 +1,33 @@
-// The item dialog: a tab for what an item is, and a tab for what lies where.
+// The item dialog: a tab for what an item is, one for what lies where, one for what it is made of.
 #pragma once
 
-#include "web/accounts/BusinessPages.h"
 #include "web/pages/ItemForm.h"
+#include "web/pages/TabbedDialog.h"
 
-// What both tabs share. OK saves all tabs: the fields of the one that is shown, and of the other
-// what was kept when it was left, or what is stored. "draft" names one opening of the dialog, so
-// that kept fields never turn up in another.
-class LItemTabDialog : public LWebDialogEAWithNavTabs {
+// What all tabs share.
+class LItemTabDialog : public LTabbedDialog {
 protected:
-    enum class LTab { kGeneral = 0, kInventory = 1 };
+    enum LTab : size_t { kGeneral = 0, kInventory = 1, kComponents = 2 };
     LItemTabDialog(LWebletForm& form, LTab tab);
 
     bool Prepare() override;
-    void Generate() override;
     bool CmOk() override;
-    void CmCancel() override;
-
-    virtual void GenerateTab(const LHashTable& fields) = 0;
+    LHashTable StoredFields(size_t tab) override;
     LItem& Item() { return item_; }
 
 private:
-    std::string TabDataName(LTab tab) const;
-    std::string TabPage(LTab tab) const;
-    LHashTable Fields(LTab tab);  // as they are to be saved
-    LHashTable ShownFields();
     bool Save();
-    bool ShowError(LTab tab, int control, const std::string& message);
+    bool SaveAll(const LItemInput& general, const LItemStockInput& stock);
+    bool ShowItemError(const LItemError& error);
 
-    LTab tab_;
     LItem item_;
-    std::string draft_;
+    std::string notice_;  // what the person is to know after a save
 };
 
 // What an item is: code, description, category, cost, price.
 class LAppWebItemDialog : public LItemTabDialog {
 public:
-    explicit LAppWebItemDialog(LWebletForm& form) : LItemTabDialog(form, LTab::kGeneral) {}
+    explicit LAppWebItemDialog(LWebletForm& form) : LItemTabDialog(form, kGeneral) {}
 
 protected:
     void GenerateTab(const LHashTable& fields) override;
@@ -49,8 +40,7 @@ private:
 // What lies where, from whom it comes, and when to warn.
 class LAppWebItemInventoryDialog : public LItemTabDialog {
 public:
-    explicit LAppWebItemInventoryDialog(LWebletForm& form)
-        : LItemTabDialog(form, LTab::kInventory) {}
+    explicit LAppWebItemInventoryDialog(LWebletForm& form) : LItemTabDialog(form, kInventory) {}
 
 protected:
     void GenerateTab(const LHashTable& fields) override;
@@ -60,4 +50,13 @@ private:
     void GenerateStockRow(const LHashTable& fields, int row, std::string_view location,
                           std::string_view name);
     void GenerateDerivedStock();
+};
+
+// What the item is made of.
+class LAppWebItemBOMDialog : public LItemTabDialog {
+public:
+    explicit LAppWebItemBOMDialog(LWebletForm& form) : LItemTabDialog(form, kComponents) {}
+
+protected:
+    void GenerateTab(const LHashTable& fields) override;
 };

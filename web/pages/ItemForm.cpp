@@ -3,7 +3,12 @@
 #include <algorithm>
 #include <array>
 
+#include "datastore/NumberText.h"
+#include "inventory/BillOfMaterials.h"
 #include "inventory/StockQuantities.h"
+#include "inventory/StoredLists.h"
+#include "web/pages/ItemLines.h"
+#include "web/pages/MasterList.h"
 
 namespace {
 
@@ -54,7 +59,7 @@ public:
 
     // The number of a part: as typed, or as stored now when nobody touched it.
     bool Read(const LProfile& profile, const LocationAndQuantities* stored, int part, double& value,
-              LStockFieldsError& error) const {
+              LTabFieldError& error) const {
         if (stored != nullptr && !IsTouched(part)) {
             value = PartsOf(*stored)[static_cast<size_t>(part)];
             return true;
@@ -172,7 +177,7 @@ int StockRowCount(const LHashTable& fields) {
 }
 
 std::optional<LItemStockInput> StockInput(const LProfile& profile, const LHashTable& fields,
-                                          const LItem& item, LStockFieldsError& error) {
+                                          const LItem& item, LTabFieldError& error) {
     LItemStockInput input;
     input.supplier = Trimmed(Field(fields, kItemSupplier));
     input.supplierId = Trimmed(Field(fields, kItemSupplierId));
@@ -201,4 +206,56 @@ std::optional<LItemStockInput> StockInput(const LProfile& profile, const LHashTa
     // Each row is stored in front of those before it: this way they are stored as they are shown.
     std::reverse(input.rows.begin(), input.rows.end());
     return input;
+}
+
+LHashTable ComponentFieldsOf(const LProfile& profile, const LItem& item) {
+    LHashTable fields;
+    Put(fields, kItemIsBuilt, item.IsBuilt() ? "1" : "");
+    std::vector<BOMItemQuantities> components;
+    ParseBOMItemsAndQuantities(components, item.GetView("BillOfMaterials"));
+    std::vector<LItemLineText> lines;
+    for (const BOMItemQuantities& component : components) {
+        const int digits = DecimalsFor(component.quantity, profile.DigitsAfterDecimalPoint());
+        lines.push_back({component.code, profile.FormatNumber(component.quantity, digits, false)});
+    }
+    WriteItemLines(fields, kItemComponents, lines);
+    return fields;
+}
+
+bool ComponentsInput(const LProfile& profile, const LHashTable& fields, LItemInput& input,
+                     LTabFieldError& error) {
+    input.isBuilt = !Field(fields, kItemIsBuilt).empty();
+    input.billOfMaterials.clear();
+    if (!input.isBuilt) return true;
+    std::vector<BOMItemQuantities> components;
+    int line = -1;
+    for (const LItemLineText& text : ReadItemLines(fields, kItemComponents)) {
+        ++line;
+        const std::string code = Trimmed(text.code);
+        if (code.empty() && Trimmed(text.quantity).empty()) continue;
+        LItem item;
+        if (!code.empty() && !OpenItem(profile, item, code)) {
+            error = {ItemLineCode(kItemComponents, line), "There is no item " + code + "."};
+            return false;
+        }
+        const LComponentError refusal = CheckComponentLine(
+            profile, {code, text.quantity, profile.FormatMoneyInput(item.Cost())},
+            components.emplace_back());
+        if (refusal.IsNone()) continue;
+        error = {refusal.field == LComponentField::kQuantity
+                     ? ItemLineQuantity(kItemComponents, line)
+                     : ItemLineCode(kItemComponents, line),
+                 refusal.message};
+        return false;
+    }
+    input.billOfMaterials = GetBOMItemQuantityString(profile, components);
+    return true;
+}
+
+std::string ComponentNote(const LProfile& profile, std::string_view code) {
+    LItem item;
+    if (TrimBlanks(code).empty()) return {};
+    if (!OpenItem(profile, item, TrimBlanks(code))) return "There is no such item.";
+    const std::string description = SingleLine(item.GetView("Description"));
+    return (description.empty() ? "" : description + ", ") + profile.FormatMoney(item.Cost());
 }

@@ -28,7 +28,9 @@ enum LItemControl {
     kItemSupplierId = 202,
     kItemWarningEmail = 203,
     kItemRowCount = 204,
-    kItemFirstRow = 1000  // kItemRowStep ids for each location, see LItemRowPart
+    kItemIsBuilt = 301,
+    kItemComponents = 401,  // lines, see ItemLines.h
+    kItemFirstRow = 1000    // kItemRowStep ids for each location, see LItemRowPart
 };
 
 // A row of the stock table: what is typed, and what stood there when it was shown, so that a
@@ -53,7 +55,7 @@ int GeneralControlOf(LItemField field);
 
 // The inventory tab: supplier, warning e-mail, and a row for each location of the business.
 LHashTable StockFieldsOf(const LProfile& profile, const LItem& item);
-struct LStockFieldsError {
+struct LTabFieldError {
     int control = 0;
     std::string message;
 };
@@ -61,7 +63,15 @@ struct LStockFieldsError {
 // movement lock from before the item was read until the input is saved. Nothing when a text is no
 // number: `error` then names the control.
 std::optional<LItemStockInput> StockInput(const LProfile& profile, const LHashTable& fields,
-                                          const LItem& item, LStockFieldsError& error);
+                                          const LItem& item, LTabFieldError& error);
 int StockRowCount(const LHashTable& fields);
+
+// The components tab: whether the item is built, and a line for each component.
+LHashTable ComponentFieldsOf(const LProfile& profile, const LItem& item);
+// Sets what the general input says of them. False when a line is wrong: `error` names its control.
+bool ComponentsInput(const LProfile& profile, const LHashTable& fields, LItemInput& input,
+                     LTabFieldError& error);
+// What a component is and costs, on one line; says so when there is no such item.
+std::string ComponentNote(const LProfile& profile, std::string_view code);
 
 std::string Field(const LHashTable& fields, int control);  // empty when missing

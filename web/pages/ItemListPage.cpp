@@ -72,9 +72,10 @@ private:
         row.AddCellPrintF(
             "<span class=rowactions><a href='itempurchasesell?type=receive&amp;%s' "
             "aria-label='Receive %H'>Receive</a> <a href='itempurchasesell?type=sell&amp;%s' "
-            "aria-label='Sell %H'>Sell</a> <a href='itemdelete?%s' "
+            "aria-label='Sell %H'>Sell</a> <a href='itemtransfer?%s' "
+            "aria-label='Move %H'>Move</a> <a href='itemdelete?%s' "
             "aria-label='Delete %H'>Delete</a></span>",
-            where, code, where, code, where, code);
+            where, code, where, code, where, code, where, code);
     }
 
     static constexpr int kOrderDigits = 6;  // amounts of any number of digits sort by value

@@ -15,11 +15,13 @@ void InvMainPage::AddStockLinks() {
         AddLink("itempurchasesell?type=receive", "Receive", "Put a delivery into stock");
         AddLink("itempurchasesell?type=sell", "Sell",
                 "Sell, or write off what was damaged or lost");
+        AddLink("itemtransfer", "Move", "Take stock from one location to another");
     }
     AddLink("itemlist?stock=Below%20warning%20level", "Low stock",
             "Items at or below their warning");
     AddLink("itemreceivelist", "Receiving history", "What came in, and from whom");
     AddLink("itemselllist", "Sales history", "What went out, and to whom");
+    AddLink("transferlist", "Transfers", "What moves between locations, and how far it has come");
 }
 
 void InvMainPage::AddTradeLinks() {

@@ -33,7 +33,7 @@ protected:
     LProfile profile_;
     LLocation store_;
     LItem item_;
-    LStockFieldsError error_;
+    LTabFieldError error_;
 };
 
 TEST_F(ItemForm, WhatNobodyTouchedIsTakenFromTheStockOfNow) {
