@@ -35,7 +35,7 @@ need_packages() {
     rm -f "${TMPDIR:-/tmp}/quillmarsh-apt.$$"
 }
 
-BUILD_PACKAGES="g++ cmake ninja-build ccache libicu-dev libssl-dev libpugixml-dev nlohmann-json3-dev"
+BUILD_PACKAGES="g++ cmake ninja-build ccache libicu-dev libssl-dev libpugixml-dev nlohmann-json3-dev libgdk-pixbuf-2.0-dev pkg-config"
 
 # build PRESET [TARGET...] : configures when needed and builds; quiet unless something is wrong.
 build() {
