@@ -242,6 +242,11 @@ LTaxRates LOrderKeptTaxRates(const LTaxOptions& options, const LPOrder& order) {
 }
 
 void LOrderStoreTaxRates(const LTaxOptions& options, LPOrder& order, LTaxRates which) {
+    LOrderStoreLineRates(options, order, which);
+    if (which == LTaxRates::kPresent) order.SetBool("IsTaxInclusive", options.IsInclusive());
+}
+
+void LOrderStoreLineRates(const LTaxOptions& options, LPOrder& order, LTaxRates which) {
     for (int line = 0; line < order.GetItemCount(); ++line) {
         if (which == LTaxRates::kStored && HasStoredRate(order, line)) continue;
         double unused = 0;
@@ -251,5 +256,4 @@ void LOrderStoreTaxRates(const LTaxOptions& options, LPOrder& order, LTaxRates w
         order.SetItemTaxName(line, name);
         order.SetItemTaxRate(line, ListNameToTaxRate(options, name));
     }
-    if (which == LTaxRates::kPresent) order.SetBool("IsTaxInclusive", options.IsInclusive());
 }

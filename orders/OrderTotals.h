@@ -94,3 +94,5 @@ LTaxRates LOrderKeptTaxRates(const LTaxOptions& options, const LPOrder& order);
 // Stores with the order what it is computed with: a rate with each line, and the inclusivity.
 // kStored leaves both as they are but for lines that have no rate yet. Before LOrderSumTotals.
 void LOrderStoreTaxRates(const LTaxOptions& options, LPOrder& order, LTaxRates which);
+// The lines' rates alone.
+void LOrderStoreLineRates(const LTaxOptions& options, LPOrder& order, LTaxRates which);
