@@ -5,6 +5,7 @@
 #include "inventory/LItem.h"
 #include "inventory/MovementLock.h"
 #include "orders/LPOrderList.h"
+#include "orders/RecurringOrders.h"
 
 namespace {
 
@@ -43,11 +44,21 @@ bool RecordDraft(const LProfile& profile, std::string& id) {
     return true;
 }
 
+bool RecordTemplate(const LProfile& profile, std::string& id) {
+    LPOrder recurring;
+    std::string newId;
+    if (!profile.OrdersRecurring().Open(recurring, id)) return false;
+    if (!LRecurringOrderRecord(profile, recurring, newId)) return false;
+    id = newId;
+    return true;
+}
+
 }  // namespace
 
 bool LOrderRecord(const LProfile& profile, std::string& id) {
     const LMovementLock lock(profile);
     if (profile.OrdersDrafts().TestRecordExists(id)) return RecordDraft(profile, id);
+    if (profile.OrdersRecurring().TestRecordExists(id)) return RecordTemplate(profile, id);
     return profile.Orders().TestRecordExists(id);
 }
 

@@ -247,6 +247,9 @@ TEST(OrderEditor, TemplatesAndDraftsOfARecordedOrderAreOrdersOfTheirOwn) {
     EXPECT_TRUE(LOrderEditorCancel(ui, shop.profile, draft, error));
     EXPECT_EQ(shop.Stored("OrdersDrafts", draft.id, "IsDraft"), "1");
     EXPECT_EQ(shop.Count(shop.profile.Orders()), 1);
+    EXPECT_TRUE(LOrderRecord(shop.profile, recurring.id)) << "an order is made of the template";
+    EXPECT_EQ(recurring.id, "10001");
+    EXPECT_EQ(shop.Count(shop.profile.OrdersRecurring()), 1);
 }
 
 TEST(OrderEditor, OfPeopleWhoRecordOneDraftTogetherOneDoes) {
