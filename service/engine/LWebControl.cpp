@@ -2,6 +2,7 @@
 
 #include <string_view>
 
+#include "service/link/LinkPages.h"
 #include "web/accounts/AccountPages.h"
 #include "web/accounts/AccountScripts.h"
 #include "web/accounts/LogonPages.h"
@@ -117,9 +118,9 @@ constexpr LWebScript WebScriptArray[] = {
     {"generatesales", WLNotBuilt},
     {"generateOrderPDF", WLNotBuilt},
     {"ratechanged", WLNotBuilt},
-    {"link-quantitychange", WLNotBuilt},
-    {"link-sync", WLNotBuilt},
-    {"link-locreq", WLNotBuilt},
+    {"link-quantitychange", WLLinkQuantityChange},
+    {"link-sync", WLLinkSync},
+    {"link-locreq", WLLinkLocations},
 };
 
 }  // namespace

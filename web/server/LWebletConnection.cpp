@@ -113,6 +113,17 @@ LSocketResult LWebletConnection::ReadSome(std::span<char> out, size_t& count, in
     return LSocketResult::kOk;
 }
 
+LClientWait LWebletConnection::WaitForClient(int timeoutMs) {
+    if (HasUnreadInput()) return LClientWait::kSentMore;
+    const LSocketResult wait = WaitReadable(socket_.Get(), stop_, timeoutMs);
+    if (wait == LSocketResult::kStopped) return LClientWait::kStopped;
+    if (wait == LSocketResult::kFailed) return LClientWait::kSilent;
+    char byte = 0;
+    const ssize_t count = ::recv(socket_.Get(), &byte, 1, MSG_PEEK | MSG_DONTWAIT);
+    if (count > 0) return LClientWait::kSentMore;
+    return count < 0 && MayTryAgain() ? LClientWait::kSilent : LClientWait::kGone;
+}
+
 LSocketResult LWebletConnection::ReadExactly(std::string& out, size_t size, int timeoutMs) {
     // Reserved, not filled: the pages are only taken from the system as the bytes come.
     out.reserve(out.size() + size);

@@ -13,6 +13,9 @@
 #include "platform/LSignalObject.h"
 #include "platform/SocketIo.h"
 
+// What a wait for the client came to.
+enum class LClientWait { kSentMore, kSilent, kGone, kStopped };
+
 // Belongs to one connection thread. Every wait ends at once when `stop` is set.
 class LWebletConnection {
 public:
@@ -33,6 +36,9 @@ public:
     LSocketResult ReadExactly(std::string& out, size_t size, int timeoutMs);
     // Reads at least one byte, at most what `out` takes; `count` tells how many.
     LSocketResult ReadSome(std::span<char> out, size_t& count, int timeoutMs);
+
+    // Waits until the client sends something, which then is there to be read, or has gone.
+    LClientWait WaitForClient(int timeoutMs);
 
     // Whether the client has sent more than was read so far, as far as this side knows.
     bool HasUnreadInput() const { return start_ < end_; }
