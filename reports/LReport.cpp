@@ -1,0 +1,40 @@
+#include "reports/LReport.h"
+
+namespace {
+
+std::span<const LReportColumn> WithoutEnd(const LReportColumn* columns) {
+    size_t count = 0;
+    while (columns[count].widthChars != kReportColumnsEnd.widthChars) ++count;
+    return {columns, count};
+}
+
+}  // namespace
+
+LReport::LReport(const LProfile& profile, const char* title, const LReportColumn* columns)
+    : profile_(profile), title_(title), columns_(WithoutEnd(columns)) {}
+
+void LReport::SetSummary(size_t index, std::string& label, std::string& value) {
+    summaries_[index] = {std::move(label), std::move(value)};
+}
+
+std::vector<LReportSummary> LReport::Summaries() const {
+    std::vector<LReportSummary> set;
+    for (const LReportSummary& summary : summaries_) {
+        if (!summary.label.empty() || !summary.value.empty()) set.push_back(summary);
+    }
+    return set;
+}
+
+void LReport::Clear() {
+    rows_.clear();
+    problem_.clear();
+}
+
+LReportRow& LReport::AddRow(LReportRowKind kind) {
+    rows_.push_back({kind, std::vector<std::string>(columns_.size())});
+    return rows_.back();
+}
+
+bool ReportWants(std::string_view choice, std::string_view name) {
+    return choice.empty() || choice == kReportAll || choice == name;
+}
