@@ -34,10 +34,8 @@ struct LPlannedPage {
     std::string_view name, title;
 };
 constexpr LPlannedPage kPlannedPages[] = {
-    {"orderlist", "Purchase orders"},
-    {"orderprop", "Purchase order"},
-    {"itemonorderlist", "On order"},
-    {"orderlowstockitems", "Order low stock"},
+    {"orderlist", "Purchase orders"}, {"orderprop", "Purchase order"},
+    {"itemonorderlist", "On order"},  {"orderlowstockitems", "Order low stock"},
     {"reports", "Reports"},
 };
 
