@@ -6,6 +6,8 @@
 #include <cmath>
 #include <limits>
 
+#include "datastore/NumberText.h"
+
 namespace {
 
 struct Signed {
@@ -77,10 +79,25 @@ double ParseStoredReal(std::string_view text) {
     return negative ? -value : value;
 }
 
-std::string FormatStoredReal(double value) {
+void AppendStoredReal(std::string& out, double value, int digits) {
+    constexpr double kWholeBelow = 1e15;
     std::array<char, 400> text;  // the largest double has 309 digits before the point
+    char* const end = text.data() + text.size();
+    digits = HoldDigits(digits);
     if (!std::isfinite(value)) value = 0;
-    const auto result =
-        std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed, 6);
-    return {text.data(), result.ptr};
+    const bool isWhole = std::abs(value) < kWholeBelow && value == std::trunc(value);
+    if (!isWhole || (value == 0 && std::signbit(value))) {
+        out.append(text.data(),
+                   std::to_chars(text.data(), end, value, std::chars_format::fixed, digits).ptr);
+        return;
+    }
+    // Most quantities are whole; so they are written at a fraction of the cost.
+    out.append(text.data(), std::to_chars(text.data(), end, static_cast<int64_t>(value)).ptr);
+    if (digits > 0) out.append(1, '.').append(static_cast<size_t>(digits), '0');
+}
+
+std::string FormatStoredReal(double value) {
+    std::string text;
+    AppendStoredReal(text, value, 6);
+    return text;
 }

@@ -13,6 +13,7 @@ int64_t ParseStoredInt64(std::string_view text);
 // Exponents are read; "inf", "nan" and hexadecimal forms are no numbers.
 double ParseStoredReal(std::string_view text);
 
-// Six decimals and "." in every locale. What is not finite is written as 0, because no reader could
-// do anything with it.
-std::string FormatStoredReal(double value);
+// Adds `value` with `digits` decimals (held to 0 ... 15) and "." in every locale. What is not
+// finite is written as 0, because no reader could do anything with it.
+void AppendStoredReal(std::string& out, double value, int digits);
+std::string FormatStoredReal(double value);  // with six decimals

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "datastore/NumberText.h"
+#include "datastore/StoredNumbers.h"
 #include "inventory/ItemCodeCache.h"
 #include "inventory/LBuildableStock.h"
 #include "inventory/StockQuantities.h"
@@ -75,7 +76,7 @@ void LItem::GetBOMLocationsAndQuantities(const LProfile& profile, std::string& o
         out += '"';
         AppendStoredText(out, entry.location);
         out += '/';
-        AppendStoredNumber(out, entry.quantity, kDerivedDigits);
+        AppendStoredReal(out, entry.quantity, kDerivedDigits);
         out += "/0/0\",";
     }
 }

@@ -60,12 +60,12 @@ public:
         first.turn.notify_one();  // under the mutex: the waiter goes with its signal
     }
 
-    // The open lock file of that path, for whoever has the turn. It is kept, and opened anew when
-    // it was removed (a restored business) or another file stands there now, and in a forked child,
-    // which would share its parent's lock otherwise. -1 when it cannot be opened.
-    int LockFile(const std::string& path, Clock::time_point now) {
-        if (IsStillTheOne(path, now)) return file_.Get();
-        file_ = LFileDescriptor(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666));
+    // The open lock file of that business, for whoever has the turn. It is kept, and opened anew
+    // when it was removed (a restored business) or another file stands there now, and in a forked
+    // child, which would share its parent's lock otherwise. -1 when it cannot be opened.
+    int LockFile(const std::string& folder, Clock::time_point now) {
+        if (IsStillTheOne(folder, now)) return file_.Get();
+        file_ = LFileDescriptor(::open(PathIn(folder).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666));
         struct stat status {};
         if (!file_.IsOpen() || ::fstat(file_.Get(), &status) != 0) return -1;
         inode_ = status.st_ino;
@@ -76,7 +76,8 @@ public:
     }
 
 private:
-    bool IsStillTheOne(const std::string& path, Clock::time_point now) {
+    static std::string PathIn(const std::string& folder) { return folder + "/.movements"; }
+    bool IsStillTheOne(const std::string& folder, Clock::time_point now) {
         struct stat status {};
         if (owner_ != ::getpid() || !file_.IsOpen() || ::fstat(file_.Get(), &status) != 0 ||
             status.st_nlink == 0) {
@@ -84,7 +85,7 @@ private:
         }
         if (now - lookedAt_ < kLookAgainAfter) return true;
         lookedAt_ = now;
-        return ::stat(path.c_str(), &status) == 0 && status.st_ino == inode_ &&
+        return ::stat(PathIn(folder).c_str(), &status) == 0 && status.st_ino == inode_ &&
                status.st_dev == device_;
     }
     struct Waiter {
@@ -140,7 +141,7 @@ LHeldMovement Acquire(const std::string& folder) {
     const Clock::time_point deadline = now + std::chrono::milliseconds(kLockTimeoutMs);
     LMovementQueue& queue = QueueOf(folder);
     if (!queue.Enter(deadline)) return {folder};
-    const int file = queue.LockFile(folder + "/.movements", now);
+    const int file = queue.LockFile(folder, now);
     const bool isLocked = file >= 0 && LockFileUntil(file, deadline);
     return {folder, &queue, isLocked ? file : -1};
 }

@@ -14,7 +14,7 @@ void AppendEntry(std::string& out, const LocationAndQuantities& entry, int digit
     AppendStoredText(out, entry.location);
     for (const double number : {entry.quantity, entry.warnQuantity, entry.idealQuantity}) {
         out += '/';
-        AppendStoredNumber(out, number, digits);
+        AppendStoredReal(out, number, digits);
     }
     out += "\",";
 }

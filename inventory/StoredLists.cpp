@@ -3,10 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <cmath>
-#include <limits>
 
-#include "datastore/NumberText.h"
+#include "datastore/StoredNumbers.h"
 #include "platform/TextLimits.h"
 
 std::string_view TakePiece(std::string_view& element) {
@@ -14,15 +12,6 @@ std::string_view TakePiece(std::string_view& element) {
     const std::string_view piece = element.substr(0, slash);
     element.remove_prefix(slash == std::string_view::npos ? element.size() : slash + 1);
     return CutText(piece);
-}
-
-void AppendStoredNumber(std::string& out, double value, int digits) {
-    // The largest double has 309 digits in front of the point.
-    std::array<char, std::numeric_limits<double>::max_exponent10 + kMaxShownDigits + 8> buffer;
-    if (!std::isfinite(value)) value = 0;
-    const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
-                                      std::chars_format::fixed, HoldDigits(digits));
-    out.append(buffer.data(), result.ptr);
 }
 
 int DecimalsFor(double value, int atLeast) {
@@ -36,7 +25,7 @@ int DecimalsFor(double value, int atLeast) {
 }
 
 void AppendExactNumber(std::string& out, double value, int atLeast) {
-    AppendStoredNumber(out, value, DecimalsFor(value, atLeast));
+    AppendStoredReal(out, value, DecimalsFor(value, atLeast));
 }
 
 void AppendStoredText(std::string& out, std::string_view text) {

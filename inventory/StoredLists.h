@@ -1,6 +1,6 @@
 // Lists that an item keeps inside one field: elements in double quotes, each followed by a comma,
 // the values of an element separated by "/", numbers with "." in every locale. Elements are split
-// by ParseCsvRow, numbers read by ParseStoredReal.
+// by ParseCsvRow, numbers read by ParseStoredReal and written by AppendStoredReal.
 #pragma once
 
 #include <string>
@@ -10,8 +10,6 @@
 // none. Cut at 259 bytes.
 std::string_view TakePiece(std::string_view& element);
 
-// With `digits` decimals (held to 0 ... 15). What is no finite number is written as 0.
-void AppendStoredNumber(std::string& out, double value, int digits);
 // The fewest decimals, at least `atLeast`, with which a value is read back as it is: small ones are
 // not rounded away.
 int DecimalsFor(double value, int atLeast);
