@@ -4,7 +4,6 @@
 
 #include <cmath>
 #include <limits>
-#include <random>
 
 #include "datastore/RecordText.h"
 
@@ -248,85 +247,24 @@ TEST(LRecordMerge, TakesWhatOthersWroteAndKeepsWhatChangedHere) {
     }
 }
 
-// Random operations on a record beside a list of plain structures that follows the same rules.
-// Once with few names, once with so many that the fields get their index.
-TEST(LRecordFuzz, AgreesWithAPlainListOfFields) {
-    struct Field {
-        std::string name, value;
-        bool changed, deleted;
+// Orders with many lines: past some number of fields an index finds them.
+TEST(LRecord, ManyFieldsAreFoundThroughAllChanges) {
+    constexpr int kFields = 400;
+    const auto name = [](int i) { return "Item" + std::to_string(i) + "Qty"; };
+    const auto value = [](int i, int round) {
+        return std::string(static_cast<size_t>(i * 7 % 50), 'x') + " " + std::to_string(round);
     };
-    for (const size_t names : {8, 400}) {
-        std::mt19937 random(7 + static_cast<unsigned>(names));
-        LRecord record;
-        std::vector<Field> model;
-        const auto find = [&](const std::string& name) {
-            return std::find_if(model.begin(), model.end(),
-                                [&](const Field& field) { return field.name == name; });
-        };
-        const auto randomText = [&] {
-            std::string text(random() % (random() % 10 == 0 ? 300 : 12), ' ');
-            for (char& c : text) c = static_cast<char>(1 + random() % 255);
-            return text;
-        };
-        const auto randomPairs = [&] {
-            std::string text;
-            for (size_t i = 0; i < names / 2; ++i) {
-                text +=
-                    "f" + std::to_string(random() % names) + "=" + EncodeText(randomText()) + "&";
-            }
-            return text;
-        };
-        for (int round = 0; round < 6000; ++round) {
-            const std::string name = "f" + std::to_string(random() % names);
-            const unsigned action = random() % 100;
-            if (action < 70) {
-                const std::string value = randomText();
-                record.SetString(name, value);
-                if (const auto at = find(name); at == model.end()) {
-                    model.push_back({name, value, true, false});
-                } else if (at->deleted || at->value != value) {
-                    *at = {name, value, true, false};
-                }
-            } else if (action < 90) {
-                record.DeleteField(name);
-                if (const auto at = find(name); at != model.end()) at->changed = at->deleted = true;
-            } else if (action < 93) {
-                record.Fields().ClearChangedMarks();
-                for (Field& field : model) field.changed = false;
-            } else if (action < 95) {
-                const std::string text = randomPairs();
-                record.Fields().Merge(text);
-                LRecordTextReader reader(text);
-                for (std::string_view n, v; reader.Next(n, v);) {
-                    if (const auto at = find(std::string(n)); at == model.end()) {
-                        model.push_back({std::string(n), std::string(v), false, false});
-                    } else if (!at->changed) {
-                        at->value = v;
-                    }
-                }
-            } else if (action < 97) {
-                const std::string text = randomPairs();
-                record.Fields().Parse(text);
-                model.clear();
-                LRecordTextReader reader(text);
-                for (std::string_view n, v; reader.Next(n, v);) {
-                    model.push_back({std::string(n), std::string(v), false, false});
-                }
-            } else if (action < 98) {
-                record.CopyRecord(record);
-                std::erase_if(model, [](const Field& field) { return field.deleted; });
-                for (Field& field : model) field.changed = true;
-            }
-            const auto at = find(name);
-            ASSERT_EQ(record.GetString(name, "-"),
-                      at == model.end() || at->deleted ? "-" : at->value);
-            if (round % 50 != 0) continue;
-            std::string text;
-            for (const Field& field : model) {
-                if (field.changed && field.deleted) continue;
-                text += (text.empty() ? "" : "&") + field.name + "=" + EncodeText(field.value);
-            }
-            ASSERT_EQ(TextOf(record), text) << "round " << round;
+    LRecord record, copy;
+    for (int round = 0; round < 3; ++round) {
+        for (int i = 0; i < kFields; ++i) record.SetString(name(i), value(i, round));
+        for (int i = 0; i < kFields; i += 3) record.DeleteField(name(i));
+        copy.CopyRecord(record);
+        record.Fields().Parse(TextOf(copy));
+        record.Fields().Merge(EncodeText(name(3)) + "=theirs&new=1");
+        for (int i = 0; i < kFields; ++i) {
+            const std::string expected = i == 3 ? "theirs" : i % 3 == 0 ? "-" : value(i, round);
+            ASSERT_EQ(record.GetString(name(i), "-"), expected) << i;
         }
+        EXPECT_EQ(record.GetInt("new", 0), 1);
     }
 }

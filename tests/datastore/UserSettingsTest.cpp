@@ -59,14 +59,6 @@ TEST(UserSettings, DeletingTakesThePasswordToo) {
     EXPECT_TRUE(LUserSettingDeleteItem("Mail", "Login")) << "nothing left is no failure";
 }
 
-TEST(UserSettings, AStoreThatCannotBeWrittenIsTold) {
-    const LTempHome home;
-    home.WriteFile("config", "");
-    EXPECT_FALSE(LUserSettingSetString("A", "b", "c"));
-    EXPECT_FALSE(LUserSettingSetPassword("A", "b", "c"));
-    EXPECT_EQ(LUserSettingGetString("A", "b", "default"), "default");
-}
-
 TEST(Passwords, AreEncipheredAtRest) {
     const LTempHome home;
     const std::string longest(259, 'x');

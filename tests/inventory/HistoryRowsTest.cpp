@@ -50,54 +50,6 @@ TEST(HistoryRows, ASaleAndAReceiptReadAsTheyAlwaysDid) {
     EXPECT_EQ(shop.ReceiveFile(kMonday), "25.00,17,$1.234,Main,Hammer & Sons,PO10000,$30.850,\r\n");
 }
 
-TEST(HistoryRows, LineTotalsAreRoundedHalfUpToWholeMinorUnits) {
-    const struct {
-        double quantity;
-        LMoney price;
-        const char* row;
-        const char* why;
-    } kCases[] = {
-        {1.5, {3, 0}, "1.50,17,$3,Main,Smith,$5,\r\n", "4.5 and a half, rounded down"},
-        {1.5, {3, 2}, "1.50,17,$0.03,Main,Smith,$0.05,\r\n", "the same in cents"},
-        {1.4, {3, 0}, "1.40,17,$3,Main,Smith,$4,\r\n", "4.2"},
-        {-1.5, {3, 0}, "-1.50,17,$3,Main,Smith,-$4,\r\n", "-4.5 and a half, rounded down"},
-        {1200,
-         {150, 2},
-         "1200.00,17,$1.50,Main,Smith,\"$1,800.00\",\r\n",
-         "the quantity has no thousands separator, the amount is quoted for its"},
-    };
-    LDate date = kMonday;
-    const LTestShop shop;
-    for (const auto& c : kCases) {
-        LSellRow row = Sale(date);
-        row.quantity = c.quantity;
-        row.unitPrice = c.price;
-        ASSERT_TRUE(CreateNewSellRecord(shop.profile, row));
-        EXPECT_EQ(shop.SellFile(date), c.row) << c.why;
-        date = date.AddDays(1);
-    }
-}
-
-TEST(HistoryRows, EveryTextComesBackAsItWas) {
-    const LTestShop shop;
-    const std::vector<std::string> kTexts{
-        "",   "a,b",           "say \"so\"", "two\r\nlines",         "\n",
-        "\"", " at the ends ", "=1+1",       "\xC3\xA4\xE2\x82\xAC", ",,",
-        "\r", "a\tb"};
-    for (const std::string& text : kTexts) {
-        LSellRow row = Sale(kMonday);
-        row.locationName = row.customer = row.reference = text;
-        ASSERT_TRUE(CreateNewSellRecord(shop.profile, row));
-    }
-    const auto rows = shop.SoldRows(kMonday, kMonday);
-    ASSERT_EQ(rows.size(), kTexts.size());
-    for (size_t i = 0; i < kTexts.size(); ++i) {
-        EXPECT_EQ(rows[i].fields[kHistoryLocation], kTexts[i]);
-        EXPECT_EQ(rows[i].fields[kHistoryParty], kTexts[i]);
-        EXPECT_EQ(rows[i].fields[kSellReference], kTexts[i]);
-    }
-}
-
 TEST(HistoryRows, QuantitiesReadBackInTheFormatsOfTheBusiness) {
     LTestShop shop;
     LRecord options;
@@ -204,21 +156,6 @@ TEST(HistoryFile, AFailureInTheMiddleOfARewriteLeavesTheOldText) {
             }
         }
     }
-}
-
-TEST(HistoryFile, ARewriteThatFindsNoRoomLeavesTheOldText) {
-    const LTempFolder folder;
-    const std::string kOld = "one\r\ntwo\r\n";
-    folder.WriteFile("day.csv", kOld);
-    LChildProcess child([&] {  // its files may grow by four bytes only
-        ::signal(SIGXFSZ, SIG_IGN);
-        const rlimit limit{kOld.size() + 4, kOld.size() + 4};
-        if (::setrlimit(RLIMIT_FSIZE, &limit) != 0) return 2;
-        const LHistoryFile file(folder.File("day.csv"), LHistoryAccess::kRewrite);
-        return file.Replace(kOld, "ONE\r\nTWO\r\nthree\r\n") ? 1 : 0;
-    });
-    EXPECT_EQ(child.Wait(), 0);
-    EXPECT_EQ(folder.ReadFile("day.csv"), kOld);
 }
 
 TEST(HistoryFile, RowsAppendedBetweenTwoRewritesAreKept) {

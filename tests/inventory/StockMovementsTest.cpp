@@ -4,12 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <thread>
 
 #include "inventory/MasterRecords.h"
 #include "inventory/StockReturns.h"
 #include "tests/inventory/LTestShop.h"
-#include "tests/support/LChildProcess.h"
 
 namespace {
 
@@ -125,29 +123,6 @@ TEST(SellStock, WithoutItsRowALineIsPutBack) {
     EXPECT_FALSE(shop.Sell("KIT", 1, kMonday));
     EXPECT_EQ(shop.Stock("A"), 10);
     EXPECT_EQ(shop.Stock("B"), 10);
-}
-
-TEST(SellStock, ThreadsAndProcessesTogetherSellExactlyWhatTheyRecord) {
-    LTestShop shop;
-    shop.AddItem("BOLT", 1000);
-    constexpr int kSales = 25;
-    const auto sell = [&] {
-        const LProfile profile(shop.profile.DatabaseFolder());  // one for each thread
-        for (int i = 0; i < kSales; ++i) {
-            int sold = 0;
-            LSellStock(profile, SaleTo("Smith", {{"BOLT", "Main", 2, {100, 2}}}), sold);
-            if (sold != 1) return 1;
-        }
-        return 0;
-    };
-    LChildProcess child(sell);
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 3; ++i) threads.emplace_back([&] { EXPECT_EQ(sell(), 0); });
-    for (std::thread& thread : threads) thread.join();
-    EXPECT_EQ(child.Wait(), 0);
-    EXPECT_EQ(shop.SoldRows(kMonday, kMonday).size(), 4u * kSales);
-    EXPECT_EQ(shop.Stock("BOLT"), 1000 - 4 * 2 * kSales);
-    EXPECT_EQ(CountCustomers(shop), 1);
 }
 
 LReceipt ReceiptOf(const std::string& itemId, double quantity) {
