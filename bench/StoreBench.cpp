@@ -49,7 +49,8 @@ void BM_SaveExisting(benchmark::State& state) {
             if (!list.Open(record, keys[at])) state.SkipWithError("a record is missing");
             at = at + 1 == keys.size() ? 0 : at + 1;
         }
-        const std::string quantity = std::to_string(10 + ++round % 2 * 10) + ".000000";
+        // Another one than at the record's last turn: an equal value is not saved.
+        const std::string quantity = std::to_string(10 + ++round % 89) + ".000000";
         const Clock::time_point start = Clock::now();
         for (LRecord& record : records) {
             record.SetString("Quantity", quantity);
