@@ -38,10 +38,11 @@ std::string HomeFromUserDatabase() {
 }
 
 // The base directory rules: a relative path in these variables is ignored.
-std::string BaseFolder(const char* variable, std::string_view defaultBelowHome) {
-    const std::string folder = Environment(variable);
+std::string BaseFolder(const std::string& folder, const std::string& home,
+                       std::string_view defaultBelowHome) {
     if (!folder.empty() && folder.front() == '/') return WithoutTrailingSlash(folder);
-    return HomeFolder().append(defaultBelowHome);
+    const std::string base = home.empty() ? HomeFromUserDatabase() : home;
+    return WithoutTrailingSlash(base).append(defaultBelowHome);
 }
 
 std::string ContainerSharedFolder(const std::string& user) {
@@ -74,7 +75,11 @@ std::string HomeFolder() {
 }
 
 std::string GetUserDataFolderApp() {
-    return BaseFolder("XDG_DATA_HOME", "/.local/share").append(kAppFolder);
+    return UserDataFolderAppOf(Environment("XDG_DATA_HOME"), Environment("HOME"));
+}
+
+std::string UserDataFolderAppOf(const std::string& xdgDataHome, const std::string& home) {
+    return BaseFolder(xdgDataHome, home, "/.local/share").append(kAppFolder);
 }
 
 std::string GetSharedDataFolderApp() {
@@ -89,7 +94,8 @@ std::string GetSharedDataFolderApp() {
 }
 
 std::string GetUserConfigFolderApp() {
-    return BaseFolder("XDG_CONFIG_HOME", "/.config").append(kAppFolder);
+    return BaseFolder(Environment("XDG_CONFIG_HOME"), Environment("HOME"), "/.config")
+        .append(kAppFolder);
 }
 
 std::string GetTemporaryFolder() {

@@ -21,6 +21,9 @@ std::string HomeFolder();
 // ~/.local/share/Quillmarsh. Not created here.
 std::string GetUserDataFolderApp();
 
+// The same for a process that has these values; either may be empty.
+std::string UserDataFolderAppOf(const std::string& xdgDataHome, const std::string& home);
+
 // The shared data folder: the sandbox container's when that exists, otherwise the sub-folder
 // "Shared" of the user's application data folder, created with its parents when missing. The text
 // is the same when it cannot be created; what is opened below it then fails on its own.

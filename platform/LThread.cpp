@@ -1,6 +1,8 @@
 #include "platform/LThread.h"
 
 #include <pthread.h>
+#include <sched.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cassert>
@@ -47,14 +49,17 @@ LThread::~LThread() {
     StopAndJoin();
 }
 
-bool LThread::Start() {
+bool LThread::Start(int priority) {
     if (running_) return false;
     if (thread_.joinable()) Join();
     running_ = true;
     try {
-        thread_ = std::thread([this] {
+        thread_ = std::thread([this, priority] {
             NameThisThread(name_);
+            systemId_ = ::gettid();
+            SetPriority(priority);
             ThreadFunction();
+            systemId_ = 0;
             running_ = false;
         });
     } catch (const std::system_error&) {
@@ -62,6 +67,16 @@ bool LThread::Start() {
         return false;
     }
     return true;
+}
+
+void LThread::SetPriority(int priority) const {
+    const sched_param none{};
+    const int policy = priority < kThreadPriorityNormal ? SCHED_BATCH : SCHED_OTHER;
+    if (const int id = systemId_) ::sched_setscheduler(id, policy, &none);
+}
+
+int LThread::PriorityOfCaller() {
+    return ::sched_getscheduler(0) == SCHED_BATCH ? kThreadPriorityBehind : kThreadPriorityNormal;
 }
 
 void LThread::Join() {

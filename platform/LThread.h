@@ -15,6 +15,12 @@
 // A thread that belongs to an object. Derive, write ThreadFunction, and call StopAndJoin in the
 // destructor of the deriving class: no thread outlives what it works on. Start, StopAndJoin and the
 // destructor belong to the owner's thread; the rest may be called from any.
+//
+// Priorities are two: at kThreadPriorityBehind the system lets everything else go first. Any user
+// may change between them, unlike between nice values, so a thread can be raised again.
+inline constexpr int kThreadPriorityBehind = 4;
+inline constexpr int kThreadPriorityNormal = 20;
+
 class LThread {
 public:
     explicit LThread(std::string name);  // shown by the system's tools, cut to 15 bytes there
@@ -24,7 +30,10 @@ public:
 
     // False when the thread runs already or cannot be made. May be called again for a thread that
     // has ended.
-    bool Start();
+    bool Start(int priority = kThreadPriorityNormal);
+    // Of the running thread, from any thread; nothing when it does not run.
+    void SetPriority(int priority) const;
+    static int PriorityOfCaller();
     // Asks the thread to end: its stop signal is set. Returns at once. Asked before Start, the
     // thread finds the signal set when it begins.
     void RequestStop() const { stop_.Set(); }
@@ -44,6 +53,7 @@ private:
     std::string name_;
     LSignalObject stop_;
     std::atomic<bool> running_{false};
+    std::atomic<int> systemId_{0};  // 0 while it does not run
     std::thread thread_;
 };
 

@@ -62,6 +62,19 @@ std::vector<int> FindProcesses(std::string_view name) {
     return ids;
 }
 
+std::optional<std::string> EnvironmentOf(int processId, std::string_view variable) {
+    const auto text = ReadFile("/proc/" + std::to_string(processId) + "/environ");
+    std::string_view rest = text ? std::string_view(*text) : std::string_view();
+    while (!rest.empty()) {
+        const std::string_view entry = rest.substr(0, rest.find('\0'));
+        rest.remove_prefix(std::min(entry.size() + 1, rest.size()));
+        if (entry.starts_with(variable) && entry.substr(variable.size()).starts_with('=')) {
+            return std::string(entry.substr(variable.size() + 1));
+        }
+    }
+    return std::nullopt;
+}
+
 std::string HostName() {
     std::array<char, 257> name{};
     if (::gethostname(name.data(), name.size() - 1) != 0 || name[0] == '\0') return "localhost";
