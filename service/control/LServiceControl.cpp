@@ -11,6 +11,11 @@ LReplaceableHook<uint32_t, const void*, uint32_t>& Target() {
     return target;
 }
 
+LReplaceableHook<>& WebRouting() {
+    static LReplaceableHook<> routing;
+    return routing;
+}
+
 LServiceLauncher& Launcher() {
     static LServiceLauncher launcher;
     return launcher;
@@ -53,6 +58,10 @@ bool LServiceApplyWebSettings(LWebServerSwitch change) {
 }
 
 void SetServiceControlTarget(LServiceControlTarget target) { Target().Set(std::move(target)); }
+
+void LServiceRunWebRouting() { WebRouting().Call(); }
+
+void SetServiceWebRouting(std::function<void()> routing) { WebRouting().Set(std::move(routing)); }
 
 void SetServiceLauncher(LServiceLauncher launcher) { Launcher() = std::move(launcher); }
 

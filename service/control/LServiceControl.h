@@ -26,6 +26,12 @@ bool LServiceApplyWebSettings(LWebServerSwitch change = LWebServerSwitch::kUncha
 using LServiceControlTarget = std::function<void(uint32_t code, const void* data, uint32_t size)>;
 void SetServiceControlTarget(LServiceControlTarget target);
 
+// Asks every connected desktop to run the configuration of web routing. Inside the service, on its
+// main thread; elsewhere nothing happens.
+void LServiceRunWebRouting();
+// Who asks them; as SetServiceControlTarget.
+void SetServiceWebRouting(std::function<void()> routing);
+
 // How this process starts and stops the background service where nobody answers on the pipe: set
 // once at the start by whoever knows the launchers. Both may take their time; an empty function
 // does nothing. Only on the main thread.

@@ -2,6 +2,7 @@
 
 #include <sys/socket.h>
 
+#include "platform/HangDetector.h"
 #include "platform/SocketIo.h"
 #include "service/control/LServiceEngine.h"
 
@@ -35,7 +36,9 @@ bool LServiceControlConnection::LetMainThreadHandle() {
 
 void LServiceControlConnection::HandlePendingMessages() {
     if (!pending_) return;
+    LHangDetectorSetCommand(message_.header.code);
     Handle();
+    LHangDetectorSetCommand(0);
     message_ = {};  // an idle connection keeps no large payload
     pending_ = false;
     done_.Set();

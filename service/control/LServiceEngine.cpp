@@ -30,7 +30,8 @@ private:
 
 }  // namespace
 
-LServiceEngineBase::LServiceEngineBase() {
+LServiceEngineBase::LServiceEngineBase()
+    : routing_([this] { EvEngineNotify(kServiceRunWebRouting, nullptr, 0); }) {
     SetServiceLogSink([this](std::string_view text1, std::string_view text2, int level) {
         Log(text1, text2, level);
     });
@@ -39,6 +40,7 @@ LServiceEngineBase::LServiceEngineBase() {
 void LServiceEngineBase::StartEngine() {
     SetServiceControlTarget(
         [this](uint32_t code, const void* data, uint32_t size) { Control(code, data, size); });
+    SetServiceWebRouting([this] { routing_.Start(); });
     engineRuns_ = true;
     EngineStart();
 }
@@ -50,6 +52,8 @@ void LServiceEngineBase::Stop() {
     if (engineRuns_) EngineStop();
     engineRuns_ = false;
     SetServiceControlTarget(nullptr);
+    SetServiceWebRouting(nullptr);
+    routing_.StopAndJoin();
     SetServiceLogSink(nullptr);
     StopAndJoin();
     connections_.StopAll();

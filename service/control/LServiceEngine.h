@@ -15,6 +15,7 @@
 #include "platform/LSignalObject.h"
 #include "platform/LThread.h"
 #include "service/control/LPipeListener.h"
+#include "service/control/LWebRoutingRunner.h"
 
 class LServiceControlConnection;
 
@@ -81,6 +82,7 @@ private:
     std::forward_list<LServiceControlConnection*> notifyList_;  // newest first
     LMutex queueMutex_;
     std::vector<QueuedControl> queue_ L_GUARDED_BY(queueMutex_);
+    LWebRoutingRunner routing_;
     LDetachedThreadGroup connections_;  // last: its threads work on all of the above
 };
 

@@ -43,7 +43,8 @@ bool LServiceEngineProxy::IsConnected() const {
 
 bool LServiceEngineProxy::Start() {
     if (!OpenSocket()) return false;
-    reader_.Start();  // it runs already where it was trying to connect again
+    // It runs already where it was trying to connect again.
+    reader_.Start(kThreadPriorityBehind);
     if (reader_.IsRunning()) return true;
     DropSocket();
     return false;
@@ -204,7 +205,9 @@ uint32_t LServiceEngineProxy::Request(uint16_t type, uint32_t code, const void* 
                                       std::vector<unsigned char>* out) {
     const LMutexLock turn(requestMutex_);
     if (!SendRequest(type, code, data, size, true)) return 0;
+    reader_.SetPriority(LThread::PriorityOfCaller());  // whoever waits for it must not wait longer
     replied_.Wait(times_.replyMs);
+    reader_.SetPriority(kThreadPriorityBehind);
     const LMutexLock lock(replyMutex_);
     reply_.isAwaited = false;
     if (out != nullptr) out->assign(reply_.data.begin(), reply_.data.end());

@@ -3,11 +3,31 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/Folders.h"
 #include "platform/ProcessInfo.h"
 #include "service/control/LServiceEngineProxy.h"
 #include "service/control/LServiceMessageHeader.h"
 
-bool LServiceIsRunning() { return !FindProcesses(kServiceProcessName).empty(); }
+namespace {
+
+// One whose environment we may not read is taken for ours: better one too many than a second
+// service beside it.
+bool IsOnOurData(int process) {
+    const auto home = EnvironmentOf(process, "HOME");
+    const auto data = EnvironmentOf(process, "XDG_DATA_HOME");
+    return (!home && !data) ||
+           UserDataFolderAppOf(data.value_or(""), home.value_or("")) == GetUserDataFolderApp();
+}
+
+}  // namespace
+
+std::vector<int> LServiceProcesses() {
+    std::vector<int> processes = FindProcesses(kServiceProcessName);
+    std::erase_if(processes, [](int process) { return !IsOnOurData(process); });
+    return processes;
+}
+
+bool LServiceIsRunning() { return !LServiceProcesses().empty(); }
 
 bool LServiceIsMatchingVersionString() {
     const LServiceEngineProxyHandle handle;

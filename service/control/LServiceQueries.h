@@ -2,7 +2,11 @@
 // thread of a program beside the service; a service that hangs holds the answer up for 10 s.
 #pragma once
 
-// Whether a process of the service's name runs for this user.
+#include <vector>
+
+// The processes of the service's name that run for this user and on the same data folder: a service
+// that serves another one, as a demonstration does, is none of ours.
+std::vector<int> LServiceProcesses();
 bool LServiceIsRunning();
 // Whether the service that answers on the pipe is of this program's version.
 bool LServiceIsMatchingVersionString();

@@ -5,13 +5,11 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <optional>
-
-#include "platform/PollDeadline.h"
 
 namespace {
 
 constexpr size_t kBufferBytes = 4096;
+constexpr int kLastAnswerMs = 700;
 constexpr int kLingerMs = 30000;
 constexpr int kLingerSilenceMs = 2000;
 
@@ -146,6 +144,20 @@ LSocketResult LWebletConnection::ProcessSend(std::string_view text, int budgetMs
     return SendPieces({&piece, 1}, budgetMs);
 }
 
+const LDeadline& LWebletConnection::LastAnswerEnd() {
+    if (!lastAnswerEnd_) lastAnswerEnd_.emplace(kLastAnswerMs);
+    return *lastAnswerEnd_;
+}
+
+// An answer that is under way when the server ends is finished, as far as the client takes it
+// promptly: the page that ordered a restart is such a one.
+LSocketResult LWebletConnection::WaitForRoom(LBudget& budget) {
+    const LSocketResult wait = WaitWritable(socket_.Get(), stop_, budget.RemainingMs());
+    if (wait != LSocketResult::kStopped) return wait;
+    pollfd entry{socket_.Get(), POLLOUT, 0};
+    return PollUntil(&entry, 1, LastAnswerEnd()) > 0 ? LSocketResult::kOk : LSocketResult::kStopped;
+}
+
 LSocketResult LWebletConnection::SendPieces(std::span<iovec> pieces, int pieceBudgetMs) {
     hasAnswered_ = true;
     LBudget budget(pieceBudgetMs);
@@ -159,7 +171,7 @@ LSocketResult LWebletConnection::SendPieces(std::span<iovec> pieces, int pieceBu
         }
         if (!MayTryAgain()) return LSocketResult::kFailed;
         if (errno == EINTR) continue;
-        const LSocketResult wait = WaitWritable(socket_.Get(), stop_, budget.RemainingMs());
+        const LSocketResult wait = WaitForRoom(budget);
         if (wait != LSocketResult::kOk) return wait;
     }
     return LSocketResult::kOk;

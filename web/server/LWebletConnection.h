@@ -5,18 +5,21 @@
 
 #include <atomic>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 
 #include "platform/LFileDescriptor.h"
 #include "platform/LSignalObject.h"
+#include "platform/PollDeadline.h"
 #include "platform/SocketIo.h"
 
 // What a wait for the client came to.
 enum class LClientWait { kSentMore, kSilent, kGone, kStopped };
 
-// Belongs to one connection thread. Every wait ends at once when `stop` is set.
+// Belongs to one connection thread. When `stop` is set every wait for input ends at once, and the
+// waits of an answer that is being sent soon after.
 class LWebletConnection {
 public:
     // `socket` is non-blocking. `stop` and `stopping` outlive the connection.
@@ -27,6 +30,9 @@ public:
     // Whether the server is ending. Costs nothing, unlike asking the stop signal: a client that
     // never lets us wait is to be told between two answers too.
     bool IsStopping() const { return stopping_.load(std::memory_order_relaxed); }
+
+    // Whether the server is ending and the answer that is being sent has had its last moments.
+    bool MustBreakOff() { return IsStopping() && LastAnswerEnd().RemainingMs() == 0; }
 
     // Reads up to and with the next line feed into `line`, which then lacks the line feed and a
     // carriage return before it. kFailed when the line is longer than `maxBytes`, not whole after
@@ -64,6 +70,8 @@ private:
     class LBudget;
     LSocketResult Fill(LBudget& budget);
     LSocketResult WaitForInput(LBudget& budget);
+    LSocketResult WaitForRoom(LBudget& budget);
+    const LDeadline& LastAnswerEnd();
     void Linger();
 
     LFileDescriptor socket_;
@@ -73,5 +81,6 @@ private:
     std::unique_ptr<char[]> buffer_;
     size_t start_ = 0, end_ = 0;  // what was received and not yet read
     bool inputLeft_ = false;
-    bool hasAnswered_ = false;  // and not waited since
+    bool hasAnswered_ = false;                // and not waited since
+    std::optional<LDeadline> lastAnswerEnd_;  // set once it is known that the server ends
 };

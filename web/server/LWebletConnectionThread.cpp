@@ -2,6 +2,7 @@
 
 #include <exception>
 
+#include "platform/HangDetector.h"
 #include "service/control/LServiceLog.h"
 #include "web/server/LWebletForm.h"
 #include "web/server/LWebletScripts.h"
@@ -50,6 +51,7 @@ bool MayKeepOpen(const LRequestLine& request, const LWebletForm& form) {
 
 // One page that fails must not take the service with it.
 void RunScript(LWebletForm& form, LWebletScript script) {
+    const LHangDetectorStatus status(form.PageName());
     try {
         script(form);
     } catch (const std::exception& error) {
@@ -69,6 +71,7 @@ LWebletConnectionThread::LWebletConnectionThread(LFileDescriptor socket, uint32_
       webFolder_(std::move(webFolder)) {}
 
 void LWebletConnectionThread::ThreadFunction() {
+    const LHangDetectorThread named("WEBC");
     try {
         while (ServeNextRequest() == LAfter::kKeepOpen && !connection_.IsStopping()) {
         }

@@ -35,6 +35,7 @@ LWebletServer::~LWebletServer() {
 
 void LWebletServer::StartServer() {
     if (!IsWebletServerEnabled()) return;
+    if (IsPublicWebletServerEnabled()) LServiceRunWebRouting();
     LServiceLog(FormatText("%s (%s)", "Starting web server", "Non-secure"));
     StartListener();
 }

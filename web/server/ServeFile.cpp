@@ -87,7 +87,7 @@ private:
         const auto buffer = std::make_unique_for_overwrite<char[]>(capacity);
         std::string_view unsentHead = head;
         while (length > 0 || !unsentHead.empty()) {
-            if (form_.Connection().IsStopping()) return form_.SetForceClose();
+            if (form_.Connection().MustBreakOff()) return form_.SetForceClose();
             const size_t wanted =
                 static_cast<size_t>(std::min(length, static_cast<int64_t>(capacity)));
             const size_t count = ReadAt(file.fd.Get(), buffer.get(), wanted, position);

@@ -144,6 +144,7 @@ TEST_F(LServiceEngineTest, LogLinesAndNotificationsReachEveryClientWhole) {
     LServiceLog("alone");
     service.Service().EvEngineNotify(0x100000c, "data", 4);
     service.Service().EvEngineNotify(0x1000005, nullptr, 6);
+    LServiceRunWebRouting();
     struct Case {
         uint16_t type;
         uint32_t code, tag;
@@ -153,7 +154,7 @@ TEST_F(LServiceEngineTest, LogLinesAndNotificationsReachEveryClientWhole) {
         for (const Case& row :
              {Case{19, 2, 6, std::string("first\0second", 13)},
               Case{19, 0, 6, std::string("alone\0", 7)}, Case{17, 0x100000c, 4, "data"},
-              Case{17, 0x1000005, 6, std::nullopt}}) {
+              Case{17, 0x1000005, 6, std::nullopt}, Case{17, 0x100000c, 0, std::nullopt}}) {
             const auto message = reader->Read();
             ASSERT_TRUE(message);
             EXPECT_EQ(message->header.type, row.type);
