@@ -11,6 +11,8 @@
 #include <string>
 #include <vector>
 
+#include "datastore/SharedFolderMigration.h"
+#include "platform/HangDetector.h"
 #include "platform/ProcessInfo.h"
 #include "service/engine/InstallerMain.h"
 #include "service/engine/ServiceMain.h"
@@ -48,10 +50,31 @@ int DesktopMain() {
     return 1;
 }
 
+// Before there is any window: what an operation tells the user goes to the terminal or the log.
+class LConsole final : public LUserInterface {
+public:
+    std::string Ask(std::string_view, std::string_view, const std::vector<std::string>&) override {
+        return {};
+    }
+    void Inform(std::string_view title, std::string_view text) override {
+        std::cerr << title << ": " << text << "\n";
+    }
+    std::optional<std::string> PickFolder(std::string_view) override { return std::nullopt; }
+    std::optional<std::string> PickSaveFile(std::string_view, std::string_view) override {
+        return std::nullopt;
+    }
+    bool RunProcess(std::string_view, const std::function<bool(LProcessInterface&)>&) override {
+        return false;
+    }
+};
+
 }  // namespace
 
 int main(int argc, char** argv) {
     LUnixAppInitCommon();
+    const LHangDetectorThread named("MAIN");
+    LConsole console;
+    LFileMigrateSharedSettings(console);
     std::vector<std::string> arguments(argv, argv + argc);
     if (!arguments.empty()) arguments.erase(arguments.begin());  // the program itself
     if (arguments.empty()) return DesktopMain();

@@ -9,7 +9,9 @@
 #include <cstdio>
 
 #include "datastore/UserSettings.h"
+#include "platform/HangDetector.h"
 #include "platform/ProcessInfo.h"
+#include "service/agent/LServiceAgent.h"
 #include "service/control/LNamedPipeRef.h"
 #include "service/control/LServiceEngine.h"
 #include "service/control/LServiceLog.h"
@@ -29,13 +31,13 @@ extern "C" void LServiceTermSignalHandler(int) {
     if (const LServiceEngineBase* service = runningService) service->RequestStop();
 }
 
-void HandleSignal(int signal) {
+void HandleSignal(int signal, void (*handler)(int)) {
     struct sigaction old {};
     ::sigaction(signal, nullptr, &old);
     // Whoever started us without Ctrl+C or with "nohup" meant it.
-    if (signal != SIGTERM && old.sa_handler == SIG_IGN) return;
+    if ((signal == SIGINT || signal == SIGHUP) && old.sa_handler == SIG_IGN) return;
     struct sigaction action {};
-    action.sa_handler = LServiceTermSignalHandler;
+    action.sa_handler = handler;
     action.sa_flags = SA_RESTART;
     ::sigaction(signal, &action, nullptr);
 }
@@ -67,12 +69,22 @@ bool PassStartDelay(const LServiceEngineBase& service) {
     return !service.StopSignal().Wait(delayMs);
 }
 
+void TellWhatIsInstalled() {
+    if (!LServiceAgent::IsInstalled()) return;  // the log has the reason
+    std::printf("The service is installed (%s).\n", LServiceAgent::Describe().c_str());
+}
+
+void ReportHang(int) { LHangDetectorReport(STDERR_FILENO); }
+
 }  // namespace
 
 int ServiceMain() {
-    for (const int signal : {SIGTERM, SIGINT, SIGHUP}) HandleSignal(signal);
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
+        HandleSignal(signal, LServiceTermSignalHandler);
+    }
     LSwitchToRoot();
     SetProcessName(kServiceProcessName);
+    HandleSignal(SIGUSR1, ReportHang);
 
     LServiceEngine<MainEngine> service;
     const LSignalTarget target(service);
@@ -94,12 +106,16 @@ int ServiceMain() {
 
 int ServiceHelper(const std::vector<std::string>& arguments) {
     LSwitchToRoot();
+    UseServiceAgentAsLauncher();
     const std::string step = arguments.empty() ? "" : arguments.front();
-    if (step == "-install" || step == "-uninstall") {
-        std::fputs(
-            "quillmarsh: this build cannot install the service yet; start it with "
-            "'quillmarsh -service'\n",
-            stderr);
+    if (step == "-install") {
+        LServiceInstall();
+        TellWhatIsInstalled();
+    } else if (step == "-uninstall") {
+        LServiceUninstall();
+        std::puts("The service is no longer installed, and the web server is turned off.");
+    } else if (step == "-reinstall") {
+        LServiceReinstall();
     }
     return 0;
 }

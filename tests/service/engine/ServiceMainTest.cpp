@@ -128,6 +128,23 @@ TEST_F(ServiceMainTest, EveryCommandLineHasItsRole) {
     }
 }
 
+TEST_F(ServiceMainTest, InstallsAndUninstallsItself) {
+    home.WriteFile("bin/systemctl", "#!/bin/sh\nexit 1\n");  // the real one is not ours to change
+    std::filesystem::permissions(home.File("bin/systemctl"), std::filesystem::perms::owner_all);
+    const LScopedEnvironment path("PATH", home.File("bin") + ":/usr/bin:/bin");
+    const std::string agent = home.File("data/Quillmarsh/Agent/QuillmarshAgent");
+    LServiceProcess install(home, {"-service", "-install"});
+    EXPECT_EQ(install.WaitFor(20000), 0);
+    EXPECT_EQ(install.Output(), "The service is installed (direct start: " + agent + ").\n");
+    EXPECT_EQ(ReadFile(agent), ReadFile(QUILLMARSH_PROGRAM));
+    ServeAt(FreePort());
+    LServiceProcess uninstall(home, {"-service", "-uninstall"});
+    EXPECT_EQ(uninstall.WaitFor(20000), 0);
+    EXPECT_FALSE(std::filesystem::exists(agent));
+    EXPECT_FALSE(LWebletServer::IsWebletServerEnabled());
+    EXPECT_EQ(install.Errors() + uninstall.Errors(), "");
+}
+
 TEST_F(ServiceMainTest, AnswersUntilItIsAskedToStop) {
     SetDelay(300);
     LServiceProcess service(home, {"-service"});
@@ -246,6 +263,48 @@ TEST_F(ServiceMainTest, ASignalInTheMiddleOfRestartsEndsIt) {
     ASSERT_TRUE(service.IsReady());
     const LServiceEngineProxyHandle handle;
     for (int i = 0; i < 50; ++i) handle.Proxy().Control(kServiceRestartWebServer);
+    service.Signal(SIGTERM);
+    EXPECT_EQ(service.WaitFor(kSoonMs), 0) << service.Errors();
+}
+
+TEST_F(ServiceMainTest, AnAnswerUnderWayOutlivesARestartAndUnfinishedRequestsNoSignal) {
+    const std::string content(1 << 20, 'x');
+    home.WriteFile("data/Quillmarsh/Shared/Web/large.txt", content);
+    const uint16_t port = FreePort();
+    ServeAt(port);
+    LServiceProcess service(home, {"-service"});
+    ASSERT_TRUE(service.IsReady());
+    ASSERT_TRUE(Becomes([&] { return IsServed(port); }));
+    const auto connect = [&](std::string_view request) {
+        LFileDescriptor socket = TcpSocket();
+        const sockaddr_in address = LocalAddress(port);
+        EXPECT_EQ(
+            ::connect(socket.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address),
+            0);
+        EXPECT_TRUE(WriteAll(socket.Get(), request));
+        return socket;
+    };
+    constexpr std::string_view kLarge = "GET /large.txt HTTP/1.1\r\nConnection: close\r\n\r\n";
+    const LFileDescriptor client = connect(kLarge);
+    std::string answer(100, '\0');
+    ASSERT_EQ(::recv(client.Get(), answer.data(), answer.size(), MSG_WAITALL), 100);
+    const LServiceEngineProxyHandle handle;
+    ASSERT_TRUE(LServiceApplyWebSettings());
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    std::string rest;
+    ASSERT_TRUE(ReadAll(client.Get(), rest));
+    answer += rest;
+    EXPECT_EQ(answer.size() - answer.find("\r\n\r\n") - 4, content.size());
+
+    ASSERT_TRUE(Becomes([&] { return IsServed(port); }));
+    const LFileDescriptor deaf = connect(kLarge);  // its answer fills every buffer
+    const LFileDescriptor inHeaders = connect("GET /main HTTP/1.1\r\nHost:");
+    const LFileDescriptor inBody = connect("POST /logon HTTP/1.1\r\nContent-Length: 99\r\n\r\nx");
+    EXPECT_TRUE(Becomes([&] {  // as soon as the three were accepted
+        service.Signal(SIGUSR1);
+        return service.Errors().find(" WEBC ") != std::string::npos;
+    }));
+    EXPECT_NE(service.Errors().find(" MAIN \n"), std::string::npos) << service.Errors();
     service.Signal(SIGTERM);
     EXPECT_EQ(service.WaitFor(kSoonMs), 0) << service.Errors();
 }
