@@ -43,6 +43,9 @@ bool TerminateServices() {
 class LLaunchdLauncher final : public LAgentLauncher {
 public:
     std::string Name() const override { return "launchd"; }
+    std::string WhenItStarts() const override {
+        return "'launchctl load \"" + PlistPath() + "\"' starts it.";
+    }
     std::string InstallFolder() const override { return LServiceAgent::GetInstallFolder(); }
     bool Register() const override {
         LPlist plist;
@@ -67,6 +70,9 @@ private:
 class LSystemdLauncher final : public LAgentLauncher {
 public:
     std::string Name() const override { return "systemd"; }
+    std::string WhenItStarts() const override {
+        return "It starts at log-in; 'systemctl --user start quillmarsh' starts it now.";
+    }
     std::string InstallFolder() const override { return PrivateInstallFolder(); }
     bool Register() const override {
         if (!WriteSystemdUnit(AgentPath())) return Failed("write", SystemdUnitPath());
@@ -105,6 +111,9 @@ private:
 class LDirectLauncher final : public LAgentLauncher {
 public:
     std::string Name() const override { return "direct start"; }
+    std::string WhenItStarts() const override {
+        return "'" + AgentPath() + " -service' starts it.";
+    }
     std::string InstallFolder() const override { return PrivateInstallFolder(); }
     bool Register() const override { return true; }  // nobody reads anything
     bool IsRegistered() const override { return true; }

@@ -17,6 +17,8 @@ public:
 
     // What it is called towards people.
     virtual std::string Name() const = 0;
+    // When the installed service starts, and what starts it now; a sentence for people.
+    virtual std::string WhenItStarts() const = 0;
     // Where the copy of the program lies that it starts; ends with "/".
     virtual std::string InstallFolder() const = 0;
     std::string AgentPath() const { return InstallFolder().append(kAgentFileName); }

@@ -168,7 +168,8 @@ void LServiceAgent::SetParentWindow(LUserInterface* window) { parentWindow = win
 
 std::string LServiceAgent::Describe() {
     const auto launcher = ChooseAgentLauncher();
-    return launcher->Name() + ": " + launcher->AgentPath();
+    return "The service is installed (" + launcher->Name() + ": " + launcher->AgentPath() + "). " +
+           launcher->WhenItStarts();
 }
 
 void LServiceStart() { LServiceAgent::Start(); }

@@ -37,7 +37,7 @@ struct LServiceAgent {
     // they happen without a word.
     static void SetParentWindow(LUserInterface* window);
 
-    // Name and path for messages: "systemd: /home/ann/.../QuillmarshAgent".
+    // What is installed, as a sentence or two for people.
     static std::string Describe();
 };
 

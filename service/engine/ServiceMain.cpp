@@ -71,7 +71,7 @@ bool PassStartDelay(const LServiceEngineBase& service) {
 
 void TellWhatIsInstalled() {
     if (!LServiceAgent::IsInstalled()) return;  // the log has the reason
-    std::printf("The service is installed (%s).\n", LServiceAgent::Describe().c_str());
+    std::puts(LServiceAgent::Describe().c_str());
 }
 
 void ReportHang(int) { LHangDetectorReport(STDERR_FILENO); }

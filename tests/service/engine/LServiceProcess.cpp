@@ -32,12 +32,6 @@ int Execute(std::vector<std::string> arguments, const std::string& output,
     return 127;
 }
 
-size_t CountEntries(const std::string& folder) {
-    std::error_code ignored;
-    const std::filesystem::directory_iterator entries(folder, ignored);
-    return static_cast<size_t>(std::distance(begin(entries), end(entries)));
-}
-
 }  // namespace
 
 LServiceProcess::LServiceProcess(const LTempHome& home, const std::vector<std::string>& arguments)
@@ -59,14 +53,6 @@ int LServiceProcess::WaitFor(int withinMs) {
 
 bool LServiceProcess::IsReady() const {
     return Becomes([this] { return !Output().empty(); });
-}
-
-size_t LServiceProcess::CountDescriptors() const {
-    return CountEntries("/proc/" + std::to_string(Id()) + "/fd");
-}
-
-size_t LServiceProcess::CountThreads() const {
-    return CountEntries("/proc/" + std::to_string(Id()) + "/task");
 }
 
 long LServiceProcess::CountSleeps() const {

@@ -22,8 +22,6 @@ public:
     // Waits until it takes control connections.
     bool IsReady() const;
 
-    size_t CountDescriptors() const;
-    size_t CountThreads() const;
     // How often its threads have gone to sleep so far.
     long CountSleeps() const;
 
