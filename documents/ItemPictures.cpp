@@ -57,6 +57,10 @@ bool StoreImageFile(const LProfile& profile, LItem& item, const std::string& pat
 
 }  // namespace
 
+bool IsItemPicture(const std::string& path) {
+    return LoadPicture(path, kItemPictureWidth, kItemPictureHeight).has_value();
+}
+
 bool SaveItemPicture(const LProfile& profile, LItem& item, const std::string& newFile,
                      const std::string& oldFile) {
     const std::optional<LPicture> picture =

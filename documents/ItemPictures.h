@@ -8,6 +8,8 @@
 
 inline constexpr int kItemPictureWidth = 120, kItemPictureHeight = 72;  // at most, in pixels
 
+// Whether the file is a picture that SaveItemPicture would take.
+bool IsItemPicture(const std::string& path);
 // Stores the picture in the file `newFile` (any usual format, see LoadPicture) as the thumbnail of
 // a saved item: a new file "0XXXXXX.bmp" with a name of its own, whose full path becomes the item's
 // "ImageFile". The item is saved, then the previous picture `oldFile` deleted (empty: none). False,

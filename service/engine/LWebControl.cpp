@@ -126,6 +126,7 @@ constexpr LWebScript WebScriptArray[] = {
 void LWebControl::StartServer() {
     InstallAccountScripts();
     InstallFrameworkScripts();
+    InstallItemScripts();
     for (const LWebScript& row : WebScriptArray) LWebletInstallScript(row.name, row.script);
     LWebletServer::StartServer();
 }

@@ -15,7 +15,7 @@ protected:
 };
 
 // What the tabs of the customer dialog share.
-class LCustomerTabDialog : public LTabbedDialog {
+class LCustomerTabDialog : public LTabbedDialog<LWebDialogEAWithNavTabs> {
 protected:
     enum LTab : size_t { kGeneral = 0, kOther = 1 };
     LCustomerTabDialog(LWebletForm& form, LTab tab);

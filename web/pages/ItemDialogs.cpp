@@ -2,11 +2,16 @@
 
 #include <array>
 
+#include "documents/ItemPictures.h"
 #include "inventory/MasterRecords.h"
 #include "inventory/MovementLock.h"
 #include "inventory/StockQuantities.h"
+#include "platform/FileIo.h"
+#include "web/framework/RunPage.h"
+#include "web/framework/TabData.h"
 #include "web/pages/ItemLines.h"
 #include "web/pages/NameChoices.h"
+#include "web/server/LWebletScripts.h"
 
 namespace {
 
@@ -16,7 +21,33 @@ constexpr LDialogTab kTabs[] = {
     {"itembomprop", "Components", "item-components."},
 };
 
+void ReceivePicture(LWebletForm& form) {
+    LWebPostFileReceive(form, form.PostFiles(), kMaxUploadBytes);
+}
+
+// The item's picture itself; an empty picture file where there is none.
+void WLItemPicture(LWebletForm& form) {
+    if (!AuthenticateAction(form)) return;
+    LItem item;
+    std::string bytes;
+    if (form.Profile().Items().Open(item, form.Parameter("id"))) {
+        const std::string file = GetItemPictureFile(form.Profile(), item);
+        if (file.ends_with(".bmp")) bytes = ReadFile(file).value_or("");
+    }
+    LPageWriter(form)
+        .Write(
+            "HTTP/1.1 200 OK\r\nConnection: close\r\nCache-Control: private, no-cache\r\n"
+            "Content-Type: image/bmp\r\n\r\n")
+        .Write(bytes);
+}
+
 }  // namespace
+
+void InstallItemScripts() {
+    LWebletInstallScript("itemprop", WLWebDialogRun<LAppWebItemDialog>);
+    LWebletInstallPostScript("itemprop", ReceivePicture);
+    LWebletInstallScript("itempicture", WLItemPicture);
+}
 
 // --- all tabs ---
 
@@ -47,12 +78,47 @@ LHashTable LItemTabDialog::StoredFields(size_t tab) {
 }
 
 bool LItemTabDialog::CmOk() {
-    if (!Save()) return false;
+    // Pictures are read outside the lock under which the rest is saved: large ones take a while.
+    if (!CheckPicture() || !Save() || !SavePicture()) return false;
     CmCancel();
     if (!notice_.empty()) {
         AnswerScript("alert('%J');window.location = '%J';\n", notice_, OnOk());
     }
     return true;
+}
+
+bool LItemTabDialog::GetChosenPicture(std::string& name, std::string& path) {
+    if (GetUploadFileOf(kItemPicture, name, path)) return true;
+    for (const LTabFile& file : ReadTabFiles(Form(), DataName(kGeneral))) {
+        name = file.name;
+        path = file.path;
+        return true;
+    }
+    return false;
+}
+
+bool LItemTabDialog::CheckPicture() {
+    std::string name, path;
+    if (!GetChosenPicture(name, path) || IsItemPicture(path)) return true;
+    DropTabFile(Form(), DataName(kGeneral), std::to_string(kItemPicture));
+    return ShowError(kGeneral, kItemPicture,
+                     "\"" + name +
+                         "\" is not a picture that can be read. Choose a PNG, JPEG, GIF, "
+                         "BMP, TIFF or WebP file.");
+}
+
+bool LItemTabDialog::SavePicture() {
+    std::string name, path;
+    const bool isRemoved = !Field(Fields(kGeneral), kItemRemovePicture).empty();
+    const bool isChosen = GetChosenPicture(name, path);
+    bool isDone = true;
+    if (isChosen) {
+        isDone = SaveItemPicture(Profile(), item_, path, GetItemPictureFile(Profile(), item_));
+    } else if (isRemoved) {
+        isDone = RemoveItemPicture(Profile(), item_);
+    }
+    if (!isDone) PopupBoxError("The item has been saved, but its picture could not be stored.");
+    return isDone;
 }
 
 // All checks come before anything is stored. The lock keeps sales out between reading the stock
@@ -125,6 +191,22 @@ void LAppWebItemDialog::GenerateTab(const LHashTable& fields) {
     StartRow().AddStatic("Web page").AddInput(kItemWebSite, Field(fields, kItemWebSite), address);
     StartRow().AddStatic("Notes").AddEdit(kItemNotes, Field(fields, kItemNotes), 3);
     GenerateCustomFields(fields);
+    GeneratePicture(fields);
+}
+
+void LAppWebItemDialog::GeneratePicture(const LHashTable& fields) {
+    if (!GetItemPictureFile(Profile(), Item()).empty()) {
+        StartRow().AddStatic("Picture").AddRawHTML(
+            FormatText("<img class=itempicture src='itempicture?id=%U' alt='Picture of %H'>",
+                       Item().GetPrimaryKey(), Item().GetView("Name")));
+        StartRow().AddStatic("").AddCheckBox(kItemRemovePicture, "Remove this picture",
+                                             !Field(fields, kItemRemovePicture).empty());
+    }
+    std::string name, path;
+    LInputOptions look;
+    if (GetChosenPicture(name, path)) name = "Chosen: " + name;
+    look.hint = name.empty() ? "It is kept small: 120 by 72 pixels at most" : name;
+    StartRow().AddStatic("New picture").AddFileInput(kItemPicture, "image/*", look);
 }
 
 // Choosing another category offers its sub-categories.

@@ -5,7 +5,7 @@
 #include "web/pages/TabbedDialog.h"
 
 // What all tabs share.
-class LItemTabDialog : public LTabbedDialog {
+class LItemTabDialog : public LTabbedDialog<LWebDialogEAUploadFilesWithNavTabs> {
 protected:
     enum LTab : size_t { kGeneral = 0, kInventory = 1, kComponents = 2 };
     LItemTabDialog(LWebletForm& form, LTab tab);
@@ -14,8 +14,12 @@ protected:
     bool CmOk() override;
     LHashTable StoredFields(size_t tab) override;
     LItem& Item() { return item_; }
+    // The picture that was chosen and not saved yet: what the browser calls it and where it lies.
+    bool GetChosenPicture(std::string& name, std::string& path);
 
 private:
+    bool CheckPicture();
+    bool SavePicture();
     bool Save();
     bool SaveAll(const LItemInput& general, const LItemStockInput& stock);
     bool ShowItemError(const LItemError& error);
@@ -34,6 +38,7 @@ protected:
 
 private:
     void GenerateCategory(const LHashTable& fields);
+    void GeneratePicture(const LHashTable& fields);
     void GenerateCustomFields(const LHashTable& fields);
 };
 
@@ -60,3 +65,6 @@ public:
 protected:
     void GenerateTab(const LHashTable& fields) override;
 };
+
+// "itemprop" with the receiver of its picture, and the page "itempicture" that shows it.
+void InstallItemScripts();

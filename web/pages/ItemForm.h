@@ -24,6 +24,8 @@ enum LItemControl {
     kItemNotes = 110,
     kItemCustom1 = 111,
     kItemCustom2 = 112,
+    kItemPicture = 113,        // a file
+    kItemRemovePicture = 114,  // a check box
     kItemSupplier = 201,
     kItemSupplierId = 202,
     kItemWarningEmail = 203,

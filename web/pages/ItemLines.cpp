@@ -67,7 +67,8 @@ void AddItemLines(LFormControls& form, LPageScript& script, const LProfile& prof
     }
     form.AddRawHTML("</tbody></table>");
     AddSuggestions(form, profile, first);
-    form.StartRow().AddButton(first - 1, "Another line", FormatText("LMoreLines(%d)", first));
+    form.StartRow().AddRawHTML(FormatText(
+        "<button type=button class=button onclick='LMoreLines(%d)'>Another line</button>", first));
     script.Add("%s", kMoreScript);
 }
 

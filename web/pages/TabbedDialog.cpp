@@ -17,47 +17,58 @@ bool IsDraftName(std::string_view text) {
 
 }  // namespace
 
-LTabbedDialog::LTabbedDialog(LWebletForm& form, std::span<const LDialogTab> tabs, size_t shown)
-    : LWebDialogEAWithNavTabs(form), tabs_(tabs), shown_(shown) {
-    KeepParameter("id");
+template <typename Base>
+LTabbedDialog<Base>::LTabbedDialog(LWebletForm& form, std::span<const LDialogTab> tabs,
+                                   size_t shown)
+    : Base(form), tabs_(tabs), shown_(shown) {
+    this->KeepParameter("id");
 }
 
-void LTabbedDialog::PrepareTabs(const std::string& key) {
-    const std::string draft = Form().Parameter("draft");
+template <typename Base>
+void LTabbedDialog<Base>::PrepareTabs(const std::string& key) {
+    const std::string draft = this->Form().Parameter("draft");
     draft_ = IsDraftName(draft) ? draft : RandomLetters(kDraftLetters);
-    SetTabName(DataName(shown_));
+    this->SetTabName(DataName(shown_));
     for (const LDialogTab& tab : tabs_) {
-        Tabs().AddTab(WLMakeLink(tab.page, {{"id", key}, {"draft", draft_}}), tab.caption);
+        this->Tabs().AddTab(WLMakeLink(tab.page, {{"id", key}, {"draft", draft_}}), tab.caption);
     }
-    Tabs().Select(shown_);
+    this->Tabs().Select(shown_);
 }
 
-void LTabbedDialog::Generate() {
-    PassPriviligies(Script());
-    AddHiddenField("draft", draft_);
-    const std::optional<LHashTable> kept = ReadTabData(Form(), DataName(shown_));
+template <typename Base>
+void LTabbedDialog<Base>::Generate() {
+    this->PassPriviligies(this->Script());
+    this->AddHiddenField("draft", draft_);
+    const std::optional<LHashTable> kept = ReadTabData(this->Form(), DataName(shown_));
     GenerateTab(kept ? *kept : StoredFields(shown_));
 }
 
-std::optional<LHashTable> LTabbedDialog::EnteredFields(size_t tab) {
-    if (tab == shown_) return Form().Parameters();
-    return ReadTabData(Form(), DataName(tab));
+template <typename Base>
+std::optional<LHashTable> LTabbedDialog<Base>::EnteredFields(size_t tab) {
+    if (tab == shown_) return this->Form().Parameters();
+    return ReadTabData(this->Form(), DataName(tab));
 }
 
-LHashTable LTabbedDialog::Fields(size_t tab) {
+template <typename Base>
+LHashTable LTabbedDialog<Base>::Fields(size_t tab) {
     std::optional<LHashTable> entered = EnteredFields(tab);
     return entered ? *entered : StoredFields(tab);
 }
 
-bool LTabbedDialog::ShowError(size_t tab, int control, const std::string& message) {
+template <typename Base>
+bool LTabbedDialog<Base>::ShowError(size_t tab, int control, const std::string& message) {
     if (tab == shown_) {
-        PopupControlDataInvalid(control, message);
+        this->PopupControlDataInvalid(control, message);
     } else {
-        PopupBoxError(std::string(tabs_[tab].caption) + ": " + message);
+        this->PopupBoxError(std::string(tabs_[tab].caption) + ": " + message);
     }
     return false;
 }
 
-void LTabbedDialog::CmCancel() {
-    for (size_t tab = 0; tab < tabs_.size(); ++tab) DropTabData(Form(), DataName(tab));
+template <typename Base>
+void LTabbedDialog<Base>::CmCancel() {
+    for (size_t tab = 0; tab < tabs_.size(); ++tab) DropTabData(this->Form(), DataName(tab));
 }
+
+template class LTabbedDialog<LWebDialogEAWithNavTabs>;
+template class LTabbedDialog<LWebDialogEAUploadFilesWithNavTabs>;

@@ -15,8 +15,10 @@ struct LDialogTab {
 
 // OK saves all tabs: the fields of the one that is shown, and of the others what was kept when they
 // were left, or what is stored. The field "draft" names one opening of the dialog, so that kept
-// fields never turn up in another.
-class LTabbedDialog : public LWebDialogEAWithNavTabs {
+// fields never turn up in another. `Base` is LWebDialogEAWithNavTabs or, for a dialog that receives
+// files, LWebDialogEAUploadFilesWithNavTabs.
+template <typename Base>
+class LTabbedDialog : public Base {
 protected:
     // `tabs` outlives the dialog; `shown` is the index of the tab that this page is.
     LTabbedDialog(LWebletForm& form, std::span<const LDialogTab> tabs, size_t shown);
@@ -35,11 +37,14 @@ protected:
     std::optional<LHashTable> EnteredFields(size_t tab);
     // Beside its field, or above the form when the field stands on another tab. Always false.
     bool ShowError(size_t tab, int control, const std::string& message);
-
-private:
+    // The name under which the tab's fields and files are kept.
     std::string DataName(size_t tab) const { return tabs_[tab].data + draft_; }
 
+private:
     std::span<const LDialogTab> tabs_;
     size_t shown_;
     std::string draft_;
 };
+
+extern template class LTabbedDialog<LWebDialogEAWithNavTabs>;
+extern template class LTabbedDialog<LWebDialogEAUploadFilesWithNavTabs>;
