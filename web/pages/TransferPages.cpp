@@ -120,7 +120,8 @@ LTransferLinesTable::LTransferLinesTable(const LProfile& profile, const LTransfe
 LWebTransferViewDialog::LWebTransferViewDialog(LWebletForm& form) : LWebDialogEA(form) {
     SetOkCancelPage("transferlist", "transferlist");
     KeepParameter("id");
-    SetWithoutOk();
+    SetOkLabel("Close");  // "Cancel" would seem to cancel the transfer
+    SetWithoutCancel();
 }
 
 bool LWebTransferViewDialog::Prepare() {
