@@ -1,7 +1,11 @@
 #include "service/email/EmailAddress.h"
 
+#include <unicode/uidna.h>
+
 #include <algorithm>
+#include <array>
 #include <cstdint>
+#include <memory>
 
 namespace {
 
@@ -128,6 +132,26 @@ std::string_view TakeMailbox(std::string_view& list, bool& wasLast) {
     return mailbox;
 }
 
+// A display name without the quotes around it and the backslashes inside them.
+std::string Unquoted(std::string_view name) {
+    name = TrimSpaces(name);
+    if (name.size() < 2 || name.front() != '"' || name.back() != '"') return std::string(name);
+    name = name.substr(1, name.size() - 2);
+    std::string out;
+    for (size_t i = 0; i < name.size(); ++i) {
+        if (name[i] == '\\' && i + 1 < name.size()) ++i;
+        out += name[i];
+    }
+    return out;
+}
+
+LMailbox ParseMailbox(std::string_view text) {
+    const size_t open = text.rfind('<');
+    if (text.back() != '>' || open == std::string_view::npos) return {{}, std::string(text)};
+    return {Unquoted(text.substr(0, open)),
+            std::string(TrimSpaces(text.substr(open + 1, text.size() - open - 2)))};
+}
+
 }  // namespace
 
 bool ValidateAddressSingle(std::string_view text) {
@@ -143,4 +167,40 @@ bool ValidateAddress(std::string_view text) {
         if (!IsMailbox(TakeMailbox(text, wasLast))) return false;
     }
     return true;
+}
+
+void LEmailAddressListIterator::Next() {
+    valid_ = false;
+    for (bool wasLast = rest_.empty(); !wasLast && !valid_;) {
+        const std::string_view text = TrimSpaces(TakeMailbox(rest_, wasLast));
+        valid_ = !text.empty();
+        if (valid_) current_ = ParseMailbox(text);
+    }
+}
+
+bool IsAddressSendable(std::string_view address) {
+    return !address.empty() && address.size() <= kMaxAddressBytes &&
+           address.find_first_of(" <>()[],;:\"\\") == std::string_view::npos &&
+           std::none_of(address.begin(), address.end(), IsControl) && AreWideCharactersFit(address);
+}
+
+std::string_view DomainOfAddress(std::string_view address) {
+    const size_t at = address.rfind('@');
+    return at == std::string_view::npos ? std::string_view() : address.substr(at + 1);
+}
+
+std::string AddressWithAsciiDomain(std::string_view address) {
+    const std::string_view domain = DomainOfAddress(address);
+    if (std::all_of(domain.begin(), domain.end(), IsAscii)) return std::string(address);
+    UErrorCode status = U_ZERO_ERROR;
+    const std::unique_ptr<UIDNA, decltype(&::uidna_close)> idna(
+        ::uidna_openUTS46(UIDNA_NONTRANSITIONAL_TO_ASCII, &status), ::uidna_close);
+    UIDNAInfo info = UIDNA_INFO_INITIALIZER;
+    std::array<char, kMaxAddressBytes + 1> coded;
+    const int32_t size =
+        ::uidna_nameToASCII_UTF8(idna.get(), domain.data(), static_cast<int32_t>(domain.size()),
+                                 coded.data(), static_cast<int32_t>(coded.size()), &info, &status);
+    if (U_FAILURE(status) || info.errors != 0) return std::string(address);
+    return std::string(address.substr(0, address.size() - domain.size())) +
+           std::string(coded.data(), static_cast<size_t>(size));
 }
