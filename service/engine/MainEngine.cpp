@@ -2,9 +2,26 @@
 
 #include "service/control/LServiceLog.h"
 #include "service/control/LServiceMessageHeader.h"
+#include "service/email/LEmail.h"
+#include "web/accounts/LogonDetailsEmail.h"
+#include "web/accounts/PasswordPages.h"
+
+namespace {
+
+void LogEmail(std::string_view line, LEmailLogLevel level) {
+    LServiceLog(line, {}, static_cast<int>(level));
+}
+static_assert(static_cast<int>(LEmailLogLevel::kInfo) == kLogInfo &&
+              static_cast<int>(LEmailLogLevel::kWarning) == kLogWarning &&
+              static_cast<int>(LEmailLogLevel::kError) == kLogError);
+
+}  // namespace
+
+MainEngine::~MainEngine() { StopEmail(); }
 
 void MainEngine::Start() {
     LServiceLog("Starting server engine...");
+    StartEmail();
     if (!LWebletServer::IsWebletServerEnabled()) return;
     LServiceLog("Starting web server...");
     webControl_.StartServer();
@@ -12,7 +29,26 @@ void MainEngine::Start() {
 
 void MainEngine::Stop() {
     LServiceLog("Stopping server engine");
+    emailSender_.RequestStop();
+    lowStockEmails_.RequestStop();
     StopWebServer();
+    StopEmail();
+}
+
+void MainEngine::StartEmail() {
+    SetEmailLog(LogEmail);
+    LEmail::CheckInstallDefaults();
+    if (!emailSender_.Start() || !lowStockEmails_.Start()) {
+        LServiceLog("The threads that send e-mail could not be started.", {}, kLogError);
+    }
+    SetLogonDetailsMailer(LSendLogonDetails);
+}
+
+void MainEngine::StopEmail() {
+    SetLogonDetailsMailer({});
+    lowStockEmails_.StopAndJoin();
+    emailSender_.StopAndJoin();
+    SetEmailLog({});
 }
 
 void MainEngine::StopWebServer() {
