@@ -71,7 +71,7 @@ void SendWarningEmail(double quantity, double warnQuantity, std::string_view loc
         "\r\n\r\nWarning Quantity: " + TwoDecimals(warnQuantity) +
         "\r\n\r\nLocation: " + std::string(locationName) + "\r\n\r\n";
     if (!LSendEmailBackground(LUserSettingGetString("Email", "ReplyToEmail", {}), subject, body)) {
-        WriteEmailLog("E-mail \"" + subject + "\" was not sent: too many are waiting.",
+        WriteEmailLog("E-mail \"" + subject + "\" was not sent: the sender takes no more messages.",
                       LEmailLogLevel::kError);
     }
 }

@@ -21,9 +21,9 @@ constexpr std::string_view kMailer = "Quillmarsh Stock Manager 5.00";
 constexpr size_t kRandomLetters = 24;
 
 std::string FormatMailbox(const LMailbox& mailbox) {
-    const std::string address = AddressWithAsciiDomain(mailbox.address);
-    if (mailbox.name.empty()) return LRFC2047Encode(address);
-    return EncodeDisplayName(mailbox.name) + " <" + LRFC2047Encode(address) + ">";
+    const std::string address = WithoutControls(AddressWithAsciiDomain(mailbox.address));
+    if (mailbox.name.empty()) return address;
+    return EncodeDisplayName(mailbox.name) + " <" + address + ">";
 }
 
 // One mailbox to a line, so that no list makes a line too long.
@@ -47,7 +47,7 @@ std::string FormatHead(const LEmailMessage& message) {
     head += "\r\nSubject: " + LRFC2047Encode(message.subject);
     head += "\r\nDate: " + FormatEmailDate(message.date);
     head += "\r\nX-Mailer: " + std::string(kMailer);
-    return head + "\r\nMessage-ID: " + LRFC2047Encode(message.id) + "\r\n";
+    return head + "\r\nMessage-ID: " + WithoutControls(message.id) + "\r\n";
 }
 
 std::string_view ContentTypeOf(std::string_view fileName) {

@@ -7,7 +7,7 @@
 #include <cerrno>
 #include <cstring>
 
-#include "platform/SocketIo.h"
+#include "platform/CaseFolding.h"
 
 namespace {
 
@@ -100,7 +100,10 @@ bool LMailConnection::SendRaw(std::string_view bytes, const LDeadline& deadline)
         if (!WaitFor(POLLOUT, deadline)) return false;
         const ssize_t count =
             ::send(socket_.Get(), bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
-        if (count < 0 && errno != EAGAIN && errno != EINTR) return Fail(std::strerror(errno));
+        if (count < 0 && errno != EAGAIN && errno != EINTR) {
+            problem_ = std::strerror(errno);  // the server may have said why: left open to be read
+            return false;
+        }
         if (count > 0) bytes.remove_prefix(static_cast<size_t>(count));
     }
     return true;
@@ -207,7 +210,7 @@ bool LMailConnection::ReceiveReply(LMailReply& reply, int timeoutMs) {
     std::string line;
     do {
         if (!ReceiveLine(line, deadline, budgetBytes)) return false;
-        if (line.find("STARTTLS") != std::string::npos) reply.offersStartTls = true;
+        reply.offersStartTls = reply.offersStartTls || ContainsIgnoringCase(line, "STARTTLS");
     } while (HasMoreLines(line));
     reply.code = CodeOf(line);
     reply.text = TextOf(line);

@@ -34,7 +34,7 @@ public:
     // Empty when the server's certificate is in order.
     std::string CertificateProblem() const;
 
-    // The time counts for each piece of a long text.
+    // The time counts for each piece of a long text. After false a reply may still be there.
     [[nodiscard]] bool Send(std::string_view text, int timeoutMs);
     // A reply of one or more lines (RFC 5321 4.2.1), all of it within the time. False when none
     // came whole, or it grew beyond all measure.

@@ -203,8 +203,10 @@ LHandOver HandToSendMail(LProcessInterface& process, const std::string& sender,
 
 LHandOver HandToDesktopMail(LProcessInterface& process, const LEmailMessage& message,
                             const std::vector<std::string>& recipients, std::string& problem) {
-    std::vector<std::string> arguments{"--utf8", "--subject", message.subject, "--body",
-                                       message.body};
+    std::vector<std::string> arguments{"--utf8"};
+    // An option with an empty text is refused.
+    if (!message.subject.empty()) arguments.insert(arguments.end(), {"--subject", message.subject});
+    if (!message.body.empty()) arguments.insert(arguments.end(), {"--body", message.body});
     for (const std::string& path : message.attachments) {
         arguments.emplace_back("--attach");
         arguments.push_back(path);

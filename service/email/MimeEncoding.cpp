@@ -14,14 +14,6 @@ constexpr size_t kMaxPlainHeader = 900;  // and room for the header's name
 bool IsPrintableAscii(char byte) { return byte >= ' ' && byte <= '~'; }
 bool IsContinuation(char byte) { return (static_cast<unsigned char>(byte) & 0xC0) == 0x80; }
 
-std::string WithoutControls(std::string_view text) {
-    std::string out(text);
-    for (char& byte : out) {
-        if (static_cast<unsigned char>(byte) < ' ' || byte == 0x7F) byte = ' ';
-    }
-    return out;
-}
-
 bool IsPlainHeader(std::string_view text) {
     return text.size() <= kMaxPlainHeader && text.find("=?") == std::string_view::npos &&
            std::all_of(text.begin(), text.end(), IsPrintableAscii);
@@ -152,6 +144,14 @@ std::string EncodeBase64Lines(std::string_view bytes) {
     out.reserve(bytes.size() / kBase64LineBytes * 78 + 80);
     for (size_t i = 0; i < bytes.size(); i += kBase64LineBytes) {
         out += EncodeBase64(bytes.substr(i, kBase64LineBytes)) + "\r\n";
+    }
+    return out;
+}
+
+std::string WithoutControls(std::string_view text) {
+    std::string out(text);
+    for (char& byte : out) {
+        if (static_cast<unsigned char>(byte) < ' ' || byte == 0x7F) byte = ' ';
     }
     return out;
 }

@@ -8,6 +8,8 @@ std::string EncodeBase64(std::string_view bytes);  // one line
 // In lines of 76 bytes, each ended by CR LF (RFC 2045 6.8).
 std::string EncodeBase64Lines(std::string_view bytes);
 
+std::string WithoutControls(std::string_view text);  // blanks in their places
+
 // A header text that cannot break out of its header: control characters become blanks. Text beyond
 // ASCII, text too long for a line and text that would be taken for encoded words becomes encoded
 // words (RFC 2047), folded one to a line.

@@ -92,7 +92,7 @@ LEmailSendBackgroundThread::~LEmailSendBackgroundThread() {
 bool LEmailSendBackgroundThread::Queue(LEmailMessage message) {
     message.date = std::time(nullptr);
     const LMutexLock lock(mutex_);
-    if (jobs_.size() >= plan_.maxWaiting) return false;
+    if (hasEnded_ || jobs_.size() >= plan_.maxWaiting) return false;
     jobs_.push_back({std::move(message), {}, LClock::now(), 0});
     wake_.Set();
     return true;
@@ -187,6 +187,7 @@ void LEmailSendBackgroundThread::TellUnsent() {
     {
         const LMutexLock lock(mutex_);
         unsent.swap(jobs_);
+        hasEnded_ = true;
         isSending_ = false;
     }
     for (const LJob& job : unsent) {

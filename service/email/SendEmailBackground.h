@@ -67,4 +67,5 @@ private:
     mutable LMutex mutex_;
     std::deque<LJob> jobs_ L_GUARDED_BY(mutex_);
     bool isSending_ L_GUARDED_BY(mutex_) = false;
+    bool hasEnded_ L_GUARDED_BY(mutex_) = false;  // takes no more
 };

@@ -1,10 +1,13 @@
 #include "service/email/SmtpDialogue.h"
 
+#include <algorithm>
+
 #include "service/email/MimeEncoding.h"
 
 namespace {
 
 constexpr int kQuitMs = 2000;  // a courtesy: the message has been accepted
+constexpr int kLastWordMs = 2000;
 constexpr char kNotSecure[] = "Could not create secure connection to server.";
 
 enum LReplyCode {
@@ -201,9 +204,11 @@ bool LSmtpDialogue::SendText() {
     process_.SetStatus("Sending Message Text");
     hasReply_ = false;
     reply_ = {};
-    hasReply_ = connection_.Send(task_.text, job_.limits.commandMs) &&
-                connection_.ReceiveReply(reply_, job_.limits.replyMs);
-    if (!hasReply_) return FailGeneral();
+    const bool isWhole = connection_.Send(task_.text, job_.limits.commandMs);
+    // A server that will have no more of it says so and hangs up in the middle.
+    hasReply_ = connection_.ReceiveReply(
+        reply_, isWhole ? job_.limits.replyMs : std::min(job_.limits.replyMs, kLastWordMs));
+    if (!hasReply_ || (!isWhole && reply_.code == kOk)) return FailGeneral();
     return reply_.code == kOk || RefusedText();
 }
 

@@ -29,7 +29,6 @@ void MainEngine::Start() {
 
 void MainEngine::Stop() {
     LServiceLog("Stopping server engine");
-    emailSender_.RequestStop();
     lowStockEmails_.RequestStop();
     StopWebServer();
     StopEmail();

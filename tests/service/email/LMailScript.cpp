@@ -51,6 +51,11 @@ void LMailScript::Serve(const LFileDescriptor& client, const Replies& replies) {
     for (size_t i = 0; i < replies.size(); ++i) {
         if (!Answer(client.Get(), replies[i])) return;
         const bool takesText = replies[i].starts_with("354");
+        if (takesText && i + 1 < replies.size() && replies[i + 1].starts_with(kEarly)) {
+            WaitReadable(client.Get(), StopSignal());
+            Answer(client.Get(), replies[i + 1].substr(sizeof kEarly - 1));
+            return;  // with most of the text unread
+        }
         if (!ReceiveUpTo(client.Get(), takesText ? "\r\n.\r\n" : "\r\n")) return;
     }
 }

@@ -14,6 +14,7 @@ inline constexpr char kStall[] = "(stall)";        // nothing more, the connecti
 inline constexpr char kHangUp[] = "(hang up)";     // the connection ends
 inline constexpr char kNoLineEnd[] = "(no end)";   // a line without end
 inline constexpr char kManyLines[] = "(lines)";    // a reply of lines without end
+inline constexpr char kEarly[] = "(early)";        // before a reply: in the middle of the text
 inline constexpr char kNonsense[] = "(nonsense)";  // a line that is no reply
 
 // The first reply is the greeting, each further one answers a line; after one that begins with 354

@@ -147,6 +147,13 @@ TEST_F(RealServer, TheCertificateIsCheckedWhereItMatters) {
     }
 }
 
+TEST_F(RealServer, TheGreetingThatIsWantedAfterTlsIsGivenWithoutAPasswordToo) {
+    auto job = Job();
+    job.account.authenticate = false;
+    EXPECT_TRUE(Process(process_, job)) << job.ErrorText();
+    EXPECT_EQ(Kept(1)["secure"], "True");
+}
+
 TEST_F(RealServer, AWrongPasswordAndAMissingTlsAreToldApart) {
     auto wrong = Job();
     wrong.account.password = "guess";

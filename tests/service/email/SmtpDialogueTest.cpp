@@ -176,6 +176,15 @@ TEST(SmtpDialogue, AServerThatMisbehavesAtAnyMomentEndsInAnErrorInTime) {
     }
 }
 
+TEST(SmtpDialogue, AServerThatHangsUpInTheTextMaySayWhy) {
+    LMailScript server({Then(GoodReplies(), 5, std::string(kEarly) + "552 too big")});
+    auto job = JobFor(server);
+    job.message.body = std::string(8 << 20, 'x');
+    LWatchedProcess process;
+    EXPECT_FALSE(Process(process, job));
+    EXPECT_EQ(job.ErrorText(), "The email exceeds the size limits set for this account.");
+}
+
 TEST(SmtpDialogue, AReplyMayBeLong) {
     LMailScript server({Then(GoodReplies(), 3, "550 " + std::string(1000, 'x'))});
     auto job = JobFor(server);
@@ -295,6 +304,24 @@ TEST(MailPrograms, SendMailGetsTheMessageAsItIs) {
                   "-i -f ann@example.com -- -x@example.com bob@example.com\n");
         EXPECT_TRUE(home.ReadFile("mail").ends_with("\n\none\n.\n")) << home.ReadFile("mail");
     }
+}
+
+TEST(MailPrograms, TheDesktopMailIsGivenItsParts) {
+    LTempHome home;
+    home.WriteFile("xdg-email", "#!/bin/sh\nprintf '%s|' \"$@\" >\"$HOME/arguments\"\n");
+    ASSERT_EQ(::chmod(home.File("xdg-email").c_str(), 0755), 0);
+    const LScopedEnvironment path("PATH", home.Path() + ":/usr/bin:/bin");
+    EmailSMTPSendProcess job;
+    job.account.mode = LSendMode::kDesktopMail;
+    job.message.to = "-x@example.com, a+b@example.com";
+    job.message.subject = "$(id)";
+    home.WriteFile("order.pdf", "x");
+    job.message.attachments = {home.File("order.pdf")};
+    LWatchedProcess process;
+    EXPECT_TRUE(Process(process, job)) << job.ErrorText();
+    EXPECT_EQ(home.ReadFile("arguments"), "--utf8|--subject|$(id)|--attach|" +
+                                              home.File("order.pdf") +
+                                              "|mailto:-x@example.com,a%2Bb@example.com|");
 }
 
 }  // namespace

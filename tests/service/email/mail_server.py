@@ -69,7 +69,7 @@ class FreePortController(Controller):
 
 controller = FreePortController(
     Keeper(folder), hostname="127.0.0.1", port=0, tls_context=context, require_starttls=True,
-    authenticator=authenticate, auth_required=True)
+    authenticator=authenticate)
 controller.start()
 with open(os.path.join(folder, "port.new"), "w", encoding="utf-8") as file:
     file.write(str(controller.port))
