@@ -5,6 +5,7 @@
 #include <condition_variable>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -60,7 +61,12 @@ private:
 // What a detached thread works on: derive, write ThreadFunction, hand it to a group.
 class LDetachedThread {
 public:
-    explicit LDetachedThread(std::string name) : name_(std::move(name)) {}
+    explicit LDetachedThread(std::string name)
+        : name_(std::move(name)), ownStop_(std::in_place, std::nothrow), stop_(*ownStop_) {}
+    // Shares the stop signal of its owner, who only ever stops all its threads together: one
+    // descriptor less for each. `stop` outlives the thread.
+    LDetachedThread(std::string name, const LSignalObject& stop)
+        : name_(std::move(name)), stop_(stop) {}
     virtual ~LDetachedThread() = default;
     LDetachedThread(const LDetachedThread&) = delete;
     LDetachedThread& operator=(const LDetachedThread&) = delete;
@@ -74,7 +80,8 @@ public:
 
 private:
     std::string name_;
-    LSignalObject stop_{std::nothrow};
+    const std::optional<LSignalObject> ownStop_;
+    const LSignalObject& stop_;
 };
 
 // A group of detached threads: each member lives until its function returns and is then destroyed

@@ -27,13 +27,17 @@ constexpr std::string_view kHideWhileLoading =
     "<style type='text/css'>.scripted .hlwrap:not([data-ready]):not([data-plain]) "
     "tbody tr:nth-child(n+101) { display: none }</style>";
 
-bool NeedsNoEscape(char byte) {
-    return byte != '&' && byte != '<' && byte != '>' && byte != '"' && byte != '\'';
+constexpr std::array<bool, 256> MarkSpecialBytes() {
+    std::array<bool, 256> marks{};
+    for (const unsigned char byte : {'&', '<', '>', '"', '\''}) marks[byte] = true;
+    return marks;
 }
+constexpr std::array<bool, 256> kIsSpecial = MarkSpecialBytes();
 
 // Nearly every cell is plain text, and a long list has hundreds of thousands of them.
 void AppendEscaped(std::string& out, std::string_view text) {
-    if (std::all_of(text.begin(), text.end(), NeedsNoEscape)) {
+    const auto isSpecial = [](char byte) { return kIsSpecial[static_cast<unsigned char>(byte)]; };
+    if (std::none_of(text.begin(), text.end(), isSpecial)) {
         out += text;
         return;
     }
@@ -47,11 +51,36 @@ bool ReadNumber(std::string_view text, double& value) {
     return error == std::errc() && end == text.data() + text.size() && std::isfinite(value);
 }
 
+// Whether the text is that number to everybody who reads it. Most are short and plain, as "12.00".
+bool ShowsNumber(std::string_view text, double number) {
+    double value = 0, scale = 0;
+    for (const char byte : text) {
+        if (byte == '.' && scale == 0) {
+            scale = 1;
+        } else if (byte >= '0' && byte <= '9') {
+            value = value * 10 + (byte - '0');
+            scale *= 10;
+        } else {
+            return ReadNumber(text, value) && value == number;
+        }
+    }
+    return !text.empty() && value == number * (scale == 0 ? 1 : scale);
+}
+
 }  // namespace
+
+LListSortKey::LListSortKey(std::string_view text) : isNumber_(ReadNumber(text, number_)) {
+    if (!isNumber_) text_ = FoldCase(text);
+}
+
+bool LListSortKey::operator<(const LListSortKey& other) const {
+    if (isNumber_ != other.isNumber_) return isNumber_;
+    return isNumber_ ? number_ < other.number_ : text_ < other.text_;
+}
 
 LHtmlListRow::LHtmlListRow(const LHtmlList& list) : list_(&list) { html_.reserve(list.rowBytes_); }
 
-void LHtmlListRow::StartCell(std::string_view order) {
+void LHtmlListRow::StartCell(std::string_view order, std::string_view arguments) {
     if (column_ < list_->columns_.size()) {
         html_ += list_->columns_[column_].cellStart;
     } else {
@@ -60,6 +89,11 @@ void LHtmlListRow::StartCell(std::string_view order) {
     if (!order.empty()) {
         html_ += " data-order='";
         AppendEscaped(html_, order);
+        html_ += '\'';
+    }
+    if (!arguments.empty()) {
+        html_ += " data-args='";
+        AppendEscaped(html_, arguments);
         html_ += '\'';
     }
     if (span_ > 1) html_ += FormatText(" colspan=%lu", span_);
@@ -74,8 +108,7 @@ void LHtmlListRow::EndCell() {
 
 void LHtmlListRow::KeepKey(std::string_view key) {
     if (static_cast<int>(column_) != list_->sortColumn_) return;
-    keyIsNumber_ = ReadNumber(key, keyNumber_);
-    if (!keyIsNumber_) key_ = FoldCase(key);
+    key_ = LListSortKey(key);
 }
 
 LHtmlListRow& LHtmlListRow::AddCell(std::string_view text) {
@@ -95,6 +128,7 @@ LHtmlListRow& LHtmlListRow::AddCellWithOrder(std::string_view text, std::string_
 }
 
 LHtmlListRow& LHtmlListRow::AddCellWithOrder(std::string_view text, double order) {
+    if (ShowsNumber(text, order)) return AddCell(text);  // it sorts as it stands
     std::array<char, 32> digits;
     const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), order).ptr;
     return AddCellWithOrder(text, std::string_view(digits.data(), end));
@@ -149,18 +183,25 @@ LHtmlListRow& LHtmlListRow::SetClass(std::string_view name) {
     return *this;
 }
 
-void LHtmlListRow::Clear() {
-    html_.clear();
-    key_.clear();
-    class_.clear();
-    keyIsNumber_ = false;
-    column_ = 0;
-    span_ = 1;
+LHtmlListRow& LHtmlListRow::AddCellActions(std::string_view query) {
+    StartCell({}, query);
+    EndCell();
+    return *this;
 }
 
-bool LHtmlListRow::operator<(const LHtmlListRow& other) const {
-    if (keyIsNumber_ != other.keyIsNumber_) return keyIsNumber_;
-    return keyIsNumber_ ? keyNumber_ < other.keyNumber_ : key_ < other.key_;
+LHtmlListRow& LHtmlListRow::StartAs(const LHtmlListRow& other) {
+    html_ += other.html_;  // not assigned: the space that is reserved for the rest stays
+    key_ = other.key_;
+    column_ = other.column_;
+    return *this;
+}
+
+void LHtmlListRow::Clear() {
+    html_.clear();
+    key_ = {};
+    class_.clear();
+    column_ = 0;
+    span_ = 1;
 }
 
 void LHtmlList::SetColumns(std::span<const LHtmlListColumn> columns) {
@@ -200,6 +241,13 @@ void LHtmlList::SetSort(size_t column, bool ascending) {
     ascending_ = ascending;
 }
 
+void LHtmlList::SetRowActions(std::span<const LHtmlListAction> actions) {
+    actions_.clear();
+    for (const LHtmlListAction& action : actions) {
+        actions_ += FormatText("%s\n%s\n", action.caption, action.target);
+    }
+}
+
 void LHtmlList::Print(LPageWriter& out) {
     std::vector<const LHtmlListRow*> order;
     order.reserve(rows_.size());
@@ -230,7 +278,9 @@ void LHtmlList::PrintTitle(LPageWriter& out, size_t index) const {
 void LHtmlList::PrintStart(LPageWriter& out) {
     printedRows_ = 0;
     out.Write(kHideWhileLoading);
-    out.Printf("<div class=hlwrap data-name='%H'%s>", name_, plain_ ? " data-plain=1" : "");
+    out.Printf("<div class=hlwrap data-name='%H'%s", name_, plain_ ? " data-plain=1" : "");
+    if (!actions_.empty()) out.Printf(" data-actions='%H'", actions_);
+    out.Write(">");
     out.Printf("<table style='width:%d%%' class='hltbl'%s%s>", widthPercent_,
                id_ != 0 ? FormatText(" id=%d", id_) : "",
                sortColumn_ >= 0
@@ -243,12 +293,9 @@ void LHtmlList::PrintStart(LPageWriter& out) {
 
 void LHtmlList::PrintRow(LPageWriter& out, const LHtmlListRow& row) {
     ++printedRows_;
-    if (row.class_.empty()) {
-        out.Write("<tr>");
-    } else {
-        out.Printf("<tr class='%H'>", row.class_);
-    }
-    out.Write(row.html_).Write("</tr>\n");
+    out.Write("<tr");
+    if (!row.class_.empty()) out.Write(" class='").Write(EscapeHtml(row.class_)).Write("'");
+    out.Write(">").Write(row.html_).Write("</tr>\n");
 }
 
 void LHtmlList::PrintEnd(LPageWriter& out) {

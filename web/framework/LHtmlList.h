@@ -22,6 +22,19 @@ struct LHtmlListColumn {
     bool hidden = false;
 };
 
+// What rows are ordered by: numbers by value and before texts, texts ignoring case.
+class LListSortKey {
+public:
+    LListSortKey() = default;
+    explicit LListSortKey(std::string_view text);
+    bool operator<(const LListSortKey& other) const;
+
+private:
+    std::string text_;  // folded; empty for a number
+    double number_ = 0;
+    bool isNumber_ = false;
+};
+
 // One row, filled cell by cell in the order of the columns. Each cell is written out when it is
 // added; of its sort keys only that of the list's chosen column is kept.
 class LHtmlListRow {
@@ -58,25 +71,35 @@ public:
     // A style class that marks the whole row, such as "low" or "total".
     LHtmlListRow& SetClass(std::string_view name);
 
+    // The cell of the row's actions, see LHtmlList::SetRowActions. `query` says what they work on:
+    // "id=7&loc=Main" with values percent-encoded.
+    LHtmlListRow& AddCellActions(std::string_view query);
+    // Begins this empty row with the cells of another.
+    LHtmlListRow& StartAs(const LHtmlListRow& other);
+
     // Makes the row empty again, for the next one that is printed and not kept.
     void Clear();
 
-    // By the chosen column's sort key: numbers by value and before texts, texts ignoring case.
-    bool operator<(const LHtmlListRow& other) const;
+    // By the chosen column's sort key.
+    bool operator<(const LHtmlListRow& other) const { return key_ < other.key_; }
 
 private:
     friend class LHtmlList;
-    void StartCell(std::string_view order);
+    void StartCell(std::string_view order, std::string_view arguments = {});
     void EndCell();
     void KeepKey(std::string_view key);
 
     const LHtmlList* list_;
     std::string html_;  // the cells so far
-    std::string key_;   // of the chosen column, folded
-    double keyNumber_ = 0;
-    bool keyIsNumber_ = false;
+    LListSortKey key_;  // of the chosen column
     size_t column_ = 0, span_ = 1;
     std::string class_;
+};
+
+// A link at the end of every row: `target` is a page of this server up to where the row's arguments
+// follow, "itemprop?" or "orderprop?type=1&" for example.
+struct LHtmlListAction {
+    std::string_view caption, target;
 };
 
 // Fill it, then Print it; or, where the order of adding is the order of showing, PrintStart,
@@ -98,6 +121,11 @@ public:
     void SetEmptyText(std::string text) { emptyText_ = std::move(text); }
     // Without search box, count line and pages: tables in a dialog whose rows belong to its fields.
     void SetPlain() { plain_ = true; }
+
+    // What the cells of AddCellActions show. lists.js writes these links, only for the rows that it
+    // shows: written here, they would be half of a long list. Each is named by its caption and the
+    // text of the row's first cell.
+    void SetRowActions(std::span<const LHtmlListAction> actions);
 
     LHtmlListRow MakeRow() const { return LHtmlListRow(*this); }
     void Add(LHtmlListRow row);
@@ -130,6 +158,7 @@ private:
     int sortColumn_ = -1;
     bool ascending_ = true, ordered_ = false, plain_ = false;
     size_t printedRows_ = 0;
-    size_t rowBytes_ = 256;  // what a further row will need
+    size_t rowBytes_ = 0;  // what a further row will need
+    std::string actions_;  // caption, target, caption ..., each with a line feed behind it
     std::string name_, emptyText_ = "There is nothing here yet.";
 };

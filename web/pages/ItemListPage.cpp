@@ -1,5 +1,11 @@
 #include "web/pages/ItemListPage.h"
 
+#include <algorithm>
+#include <array>
+#include <deque>
+#include <functional>
+#include <vector>
+
 #include "inventory/MasterRecords.h"
 #include "web/framework/LHtmlList.h"
 #include "web/framework/PageTargets.h"
@@ -23,6 +29,13 @@ constexpr LHtmlListColumn kColumns[] = {
     {"Actions", 0, LCellAlign::kRight, false},
 };
 
+constexpr LHtmlListAction kActions[] = {
+    {"Receive", "itempurchasesell?type=receive&"},
+    {"Sell", "itempurchasesell?type=sell&"},
+    {"Move", "itemtransfer?"},
+    {"Delete", "itemdelete?"},
+};
+
 std::string OnOneLine(std::string_view text) {
     std::string line(text);
     for (size_t pos = 0; (pos = line.find("\r\n", pos)) != std::string::npos; ++pos) {
@@ -31,57 +44,115 @@ std::string OnOneLine(std::string_view text) {
     return line;
 }
 
-// The rows of the table, formatted one by one as they are read.
+// What the list shows of an item; kept until all items are read and their order is known.
+struct LListedItem {
+    explicit LListedItem(const LItemRow& row)
+        : key(row.item.GetPrimaryKey()),
+          code(row.item.GetView("Name")),
+          description(OnOneLine(row.item.GetView("Description"))),
+          category(row.categoryName),
+          tax(row.taxName),
+          measure(row.item.GetView("Measure")),
+          cost(row.item.Cost()),
+          price(row.item.Price()),
+          order(code) {}
+
+    std::string key, code, description, category, tax, measure;
+    LMoney cost, price;
+    LListSortKey order;
+};
+
+struct LListedRow {
+    const LListedItem* item;
+    std::string location;
+    double quantity, warnQuantity, idealQuantity;
+    bool isBelowWarning;
+};
+
+// The rows of the table. They become markup only when they are printed, so that the browser takes
+// in the first while the last are still being made.
 class LItemRows {
 public:
     LItemRows(const LProfile& profile, LHtmlList& table, bool mayChange)
-        : profile_(profile), table_(table), mayChange_(mayChange) {}
+        : profile_(profile),
+          table_(table),
+          mayChange_(mayChange),
+          common_(table.MakeRow()),
+          row_(table.MakeRow()) {}
 
-    void Add(const LItemRow& item) {
-        LHtmlListRow row = table_.MakeRow();
-        const std::string& key = item.item.GetPrimaryKey();
-        row.AddCellLink(WLMakeLink("itemprop", {{"id", key}}), item.item.GetView("Name"));
-        row.AddCell(OnOneLine(item.item.GetView("Description")));
-        row.AddCell(item.categoryName);
-        row.AddCell(item.taxName);
-        AddMoney(row, item.item.Cost());
-        AddMoney(row, item.item.Price());
-        row.AddCell(item.item.GetView("Measure"));
-        row.AddCell(item.locationName);
-        AddQuantity(row, item.stock.quantity);
-        AddQuantity(row, item.stock.warnQuantity);
-        AddQuantity(row, item.stock.idealQuantity);
-        if (mayChange_) AddActions(row, item);
-        if (item.isBelowWarning) row.SetClass("low");
-        table_.AddOrdered(std::move(row));
+    void Add(const LItemRow& row) {
+        // The rows of an item come one after the other.
+        if (items_.empty() || items_.back().key != row.item.GetPrimaryKey()) {
+            items_.emplace_back(row);
+        }
+        rows_.push_back({&items_.back(), std::string(row.locationName), row.stock.quantity,
+                         row.stock.warnQuantity, row.stock.idealQuantity, row.isBelowWarning});
+    }
+
+    // By code.
+    void Print(LPageWriter& out) {
+        std::stable_sort(rows_.begin(), rows_.end(),
+                         [](const LListedRow& left, const LListedRow& right) {
+                             return left.item->order < right.item->order;
+                         });
+        table_.PrintStart(out);
+        const LListedItem* item = nullptr;
+        for (const LListedRow& row : rows_) {
+            if (row.item != item) StartItem(*(item = row.item));
+            PrintRow(out, row);
+        }
+        table_.PrintEnd(out);
     }
 
 private:
+    // The cells that all rows of an item share.
+    void StartItem(const LListedItem& item) {
+        common_.Clear();
+        common_.AddCellLink(WLMakeLink("itemprop", {{"id", item.key}}), item.code);
+        common_.AddCell(item.description).AddCell(item.category).AddCell(item.tax);
+        AddMoney(common_, item.cost);
+        AddMoney(common_, item.price);
+        common_.AddCell(item.measure);
+    }
+    void PrintRow(LPageWriter& out, const LListedRow& row) {
+        row_.Clear();
+        row_.StartAs(common_).AddCell(row.location);
+        AddQuantity(row_, row.quantity);
+        AddQuantity(row_, row.warnQuantity);
+        AddQuantity(row_, row.idealQuantity);
+        if (mayChange_) {
+            row_.AddCellActions(FormatText("id=%U&loc=%U", row.item->key, row.location));
+        }
+        if (row.isBelowWarning) row_.SetClass("low");
+        table_.PrintRow(out, row_);
+    }
     void AddMoney(LHtmlListRow& row, const LMoney& amount) {
+        // Amounts of any number of digits sort by value.
         double order = static_cast<double>(amount.minorUnits);
-        for (int digit = amount.digits; digit < kOrderDigits; ++digit) order *= 10;
+        for (int digit = 0; digit < amount.digits; ++digit) order /= 10;
         row.AddCellWithOrder(profile_.FormatMoney(amount), order);
     }
+    // The same quantities come again and again in a long list.
     void AddQuantity(LHtmlListRow& row, double quantity) {
-        row.AddCellWithOrder(profile_.FormatQuantity(quantity), quantity);
-    }
-    void AddActions(LHtmlListRow& row, const LItemRow& item) {
-        const std::string& key = item.item.GetPrimaryKey();
-        const std::string_view code = item.item.GetView("Name");
-        const std::string where = FormatText("id=%U&amp;loc=%U", key, item.locationName);
-        row.AddCellPrintF(
-            "<span class=rowactions><a href='itempurchasesell?type=receive&amp;%s' "
-            "aria-label='Receive %H'>Receive</a> <a href='itempurchasesell?type=sell&amp;%s' "
-            "aria-label='Sell %H'>Sell</a> <a href='itemtransfer?%s' "
-            "aria-label='Move %H'>Move</a> <a href='itemdelete?%s' "
-            "aria-label='Delete %H'>Delete</a></span>",
-            where, code, where, code, where, code, where, code);
+        LShownQuantity& shown = shown_[std::hash<double>()(quantity) % shown_.size()];
+        if (shown.text.empty() || shown.quantity != quantity) {
+            shown = {quantity, profile_.FormatQuantity(quantity)};
+        }
+        row.AddCellWithOrder(shown.text, quantity);
     }
 
-    static constexpr int kOrderDigits = 6;  // amounts of any number of digits sort by value
+    struct LShownQuantity {
+        double quantity = 0;
+        std::string text;
+    };
+
     const LProfile& profile_;
     LHtmlList& table_;
-    bool mayChange_;
+    const bool mayChange_;
+    std::deque<LListedItem> items_;  // they stay where they are
+    std::vector<LListedRow> rows_;
+    std::array<LShownQuantity, 256> shown_;
+    LHtmlListRow common_, row_;
 };
 
 }  // namespace
@@ -128,10 +199,11 @@ void LAppWebItemsPage::PrintTable(const LItemListFilter& filter) {
     const std::span<const LHtmlListColumn> columns(kColumns);
     LHtmlList table;
     table.SetColumns(IsViewer() ? columns.first(columns.size() - 1) : columns);
+    if (!IsViewer()) table.SetRowActions(kActions);
     table.SetSort(0, true);
     table.SetName("Items");
     table.SetEmptyText("No item matches. Choose other filters, or add a new item.");
     LItemRows rows(Profile(), table, !IsViewer());
     FillItemList(Profile(), filter, [&](const LItemRow& row) { rows.Add(row); });
-    table.Print(Out());
+    rows.Print(Out());
 }

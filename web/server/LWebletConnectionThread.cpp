@@ -44,9 +44,8 @@ bool AnnouncesBody(const LWebletForm& form) {
            !form.Header("transfer-encoding").empty();
 }
 
-bool MayKeepOpen(const LRequestLine& request, const LWebletForm& form) {
-    return request.version >= kFirstKeptVersion && !form.IsPost() &&
-           !HoldsWord(form.Header("connection"), "close") && !AnnouncesBody(form);
+bool ClientGoesOn(const LRequestLine& request, const LWebletForm& form) {
+    return request.version >= kFirstKeptVersion && !HoldsWord(form.Header("connection"), "close");
 }
 
 // One page that fails must not take the service with it.
@@ -63,9 +62,9 @@ void RunScript(LWebletForm& form, LWebletScript script) {
 }  // namespace
 
 LWebletConnectionThread::LWebletConnectionThread(LFileDescriptor socket, uint32_t clientAddress,
-                                                 std::string webFolder,
+                                                 std::string webFolder, const LSignalObject& stop,
                                                  const std::atomic<bool>& stopping)
-    : LDetachedThread("LWebletConnectionThread"),
+    : LDetachedThread("LWebletConnectionThread", stop),
       connection_(std::move(socket), StopSignal(), stopping),
       clientAddress_(clientAddress),
       webFolder_(std::move(webFolder)) {}
@@ -105,7 +104,8 @@ LWebletConnectionThread::LAfter LWebletConnectionThread::Answer(LRequestReader& 
     form.Parameters().LoadHTTPStringUTF8(request.query);
     if (IsPathRefused(request.path)) return Refuse(kBadPath);
     if (!reader.ReadHeaders(form.Headers())) return LAfter::kClose;
-    mayKeepOpen_ = MayKeepOpen(request, form);
+    clientGoesOn_ = ClientGoesOn(request, form);
+    mayKeepOpen_ = clientGoesOn_ && !form.IsPost() && !AnnouncesBody(form);
     if (!form.IsPost() && AnnouncesBody(form)) connection_.SetInputLeft(true);
     ParseCookies(form.Headers().GetParm("cookie"), form.Cookies());
     form.SetPageName(request.path.substr(1));
@@ -137,20 +137,20 @@ bool LWebletConnectionThread::ReceivePost(LWebletForm& form) {
 LWebletConnectionThread::LAfter LWebletConnectionThread::AnswerByScript(LWebletForm& form,
                                                                         LWebletScript script) {
     RunScript(form, script);
-    const bool keep = form.IsSelfDelimited() && !form.IsForceClose() && mayKeepOpen_;
+    // The handler decides, also after a POST; what is left unread would pass for the next request.
+    const bool keep = form.IsSelfDelimited() && !form.IsForceClose() && clientGoesOn_ &&
+                      !connection_.IsInputLeft();
     return keep ? LAfter::kKeepOpen : LAfter::kClose;
 }
 
-// The guide lies on this server, so that help works with the cable out. The answer tells its length
-// and a client of any version may ask for more, unless it said that it will not.
+// The guide lies on this server, so that help works with the cable out. The answer tells its
+// length: a client of any version may ask for more.
 LWebletConnectionThread::LAfter LWebletConnectionThread::RedirectToGuide(LWebletForm& form) {
     const std::string_view name = FileNameOf(form.PageName());
     const bool sent =
         wfprintf(form, "HTTP/1.1 302 Found\r\nLocation: %s%U\r\nContent-Length: 0\r\n\r\n", kGuide,
                  name.empty() ? kGuideIndex : name);
-    const bool keep =
-        sent && !HoldsWord(form.Header("connection"), "close") && !connection_.IsInputLeft();
-    return keep ? LAfter::kKeepOpen : LAfter::kClose;
+    return sent && !connection_.IsInputLeft() ? LAfter::kKeepOpen : LAfter::kClose;
 }
 
 LWebletConnectionThread::LAfter LWebletConnectionThread::ServeFile(LWebletForm& form) {

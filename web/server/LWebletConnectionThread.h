@@ -12,9 +12,10 @@
 
 class LWebletConnectionThread final : public LDetachedThread {
 public:
-    // `clientAddress` is IPv4 in host byte order. `stopping` outlives the thread.
+    // `clientAddress` is IPv4 in host byte order. `stop` is set when all connections are to end,
+    // `stopping` says the same without a system call; both outlive the thread.
     LWebletConnectionThread(LFileDescriptor socket, uint32_t clientAddress, std::string webFolder,
-                            const std::atomic<bool>& stopping);
+                            const LSignalObject& stop, const std::atomic<bool>& stopping);
 
 private:
     // What becomes of the connection after an answer.
@@ -33,5 +34,6 @@ private:
     LWebletConnection connection_;
     const uint32_t clientAddress_;
     const std::string webFolder_;
-    bool mayKeepOpen_ = false;  // of the request that is being answered
+    // Of the request that is being answered.
+    bool clientGoesOn_ = false, mayKeepOpen_ = false;
 };

@@ -21,7 +21,7 @@ LWebletSessionData& LWebletForm::Session() {
 void LWebletForm::FinishSession() {
     if (sessionAsked_) {
         session_.FlushSession();
-    } else if (cookies_.TestExists(kSessionCookie)) {
+    } else {
         SweepSessionFiles(LWebletSessionData::Folder());
     }
 }

@@ -38,7 +38,7 @@ public:
     // Loaded by the cookie at the first call: most requests fetch files and never look.
     LWebletSessionData& Session();
     // Writes the session back when it changed; without a call of Session only expired session
-    // files are swept. After every request that named a session.
+    // files are swept. After every request.
     void FinishSession();
     const std::string& PageName() const { return pageName_; }
     void SetPageName(std::string name) { pageName_ = std::move(name); }

@@ -46,6 +46,7 @@ void LWebletServerListener::StopConnections() {
     stopping_ = true;
     connections_.StopAll();
     stopping_ = false;
+    stopConnections_.Reset();
 }
 
 void LWebletServerListener::ThreadFunction() {
@@ -135,6 +136,6 @@ bool LWebletServerListener::WaitOutShortage() {
 void LWebletServerListener::NewConnection(LFileDescriptor socket, uint32_t address) {
     lastClientAddress_ = address;
     // Where no thread can be had the client sees its connection closed.
-    connections_.Start(std::make_unique<LWebletConnectionThread>(std::move(socket), address,
-                                                                 webFolder_, stopping_));
+    connections_.Start(std::make_unique<LWebletConnectionThread>(
+        std::move(socket), address, webFolder_, stopConnections_, stopping_));
 }

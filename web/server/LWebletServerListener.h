@@ -44,6 +44,7 @@ private:
     std::atomic<bool> bindConflict_{false};
     std::atomic<uint32_t> lastClientAddress_{0};
     std::atomic<bool> stopping_{false};  // for the connections
+    LSignalObject stopConnections_;      // the same, for their waits
     bool shortageTold_ = false;
     LDetachedThreadGroup connections_;
 };

@@ -130,19 +130,36 @@
             const perPage = this.isPlain ? this.rows.length : kRowsPerPage;
             const first = this.page * perPage;
             const rows = this.shown.slice(first, first + perPage);
-            rows.forEach(row => this.labelCells(row));
+            rows.forEach(row => this.finish(row));
             this.body.replaceChildren(...rows);
             if (this.search) this.renderTools(first, rows.length);
         }
 
-        // On phones a row becomes a card; its cells then say which column they are of.
-        labelCells(row) {
-            if (row.isLabelled) return;
-            row.isLabelled = true;
+        // What a row needs once it is shown. On phones it becomes a card; its cells then say which
+        // column they are of.
+        finish(row) {
+            if (row.isFinished) return;
+            row.isFinished = true;
+            this.addActions(row);
             if (row.cells.length !== this.titles.length) return;
             this.titles.forEach((title, column) => {
                 row.cells[column].dataset.label = title.textContent.trim();
             });
+        }
+
+        // The list's links, with the row's arguments: "caption\ntarget\n" for each.
+        addActions(row) {
+            const cell = row.querySelector('[data-args]');
+            if (!cell || !this.wrap.dataset.actions) return;
+            const parts = this.wrap.dataset.actions.split('\n');
+            const what = row.cells[0].textContent.trim();
+            const links = element('span', {className: 'rowactions'});
+            for (let at = 0; at + 1 < parts.length; at += 2) {
+                const link = element('a', {href: parts[at + 1] + cell.dataset.args}, [parts[at]]);
+                link.setAttribute('aria-label', parts[at] + ' ' + what);
+                links.append(link, ' ');
+            }
+            cell.replaceChildren(links);
         }
 
         renderTools(first, rowCount) {

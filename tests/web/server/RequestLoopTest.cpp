@@ -178,7 +178,7 @@ TEST_F(RequestLoop, KeepsTheConnectionWhereItMay) {
         bool isKept;
         const char* why;
     };
-    const std::array<LCase, 14> kCases{{
+    const std::array<LCase, 16> kCases{{
         {Get("/a.css"), true, "a file"},
         {Get("/none"), true, "a missing file"},
         {Get("/small"), true, "a page that tells its length"},
@@ -189,10 +189,12 @@ TEST_F(RequestLoop, KeepsTheConnectionWhereItMay) {
         {"GET /a.css\r\n\r\n", false, "an ancient client"},
         {"GET /small HTTP/1.0\r\n\r\n", false, "an old client, whatever the page says"},
         {Post("/a.css", ""), false, "not after a POST"},
+        {Post("/small", "a=1"), true, "a page that tells its length decides after a POST too"},
         {Get("/a.css", "Content-Length: 5\r\n"), false, "a body would pass for the next request"},
         {Get("/a.css", "Transfer-Encoding: chunked\r\n"), false, "so would this one"},
         {Get("/help/index.html"), true, "help"},
         {"GET /help/index.html HTTP/1.0\r\n\r\n", true, "help, whatever the version"},
+        {Get("/help/index.html", "Connection: close\r\n"), true, "and whatever was asked"},
     }};
     for (const LCase& row : kCases) {
         LTestClient client = server.Connect();
