@@ -168,7 +168,7 @@ std::optional<LOrderShownTotals> LOrderEditorTotals(const LProfile& profile,
 
     const int digits = order.GetTotalDigits(profile);
     LOrderShownTotals shown{
-        {order.CalculateSubTotal(profile), digits}, {order.GetTotal(), digits}, {}};
+        {order.CalculateSubTotal(profile), digits}, {order.GetTotal(), digits}, {}, {}};
     for (int number = 1; number <= order.GetTaxAmountCount(); ++number) {
         std::string name = order.GetTaxAmountName(number);
         if (name.empty()) continue;
@@ -176,5 +176,10 @@ std::optional<LOrderShownTotals> LOrderEditorTotals(const LProfile& profile,
     }
     std::sort(shown.taxes.begin(), shown.taxes.end(),
               [](const auto& left, const auto& right) { return left.first < right.first; });
+    int line = 0;
+    for (const LOrderReadLine& readLine : read.lines) {
+        const LMoney cost = order.GetItemUnitCost(profile, line++);
+        shown.lines.emplace_back(readLine.inputLine, LineAmount(readLine.quantity, cost));
+    }
     return shown;
 }

@@ -37,6 +37,7 @@ bool LOrderEditorCancel(LUserInterface& ui, const LProfile& profile, LOrderInput
 struct LOrderShownTotals {
     LMoney subTotal, total;
     std::vector<std::pair<std::string, LMoney>> taxes;  // sorted by name; nameless ones left out
+    std::vector<std::pair<int, LMoney>> lines;          // index of the input line, what it comes to
 };
 std::optional<LOrderShownTotals> LOrderEditorTotals(const LProfile& profile,
                                                     const LOrderInput& input);

@@ -17,6 +17,9 @@
 #include "web/pages/LocationPages.h"
 #include "web/pages/MainPage.h"
 #include "web/pages/MovementDialog.h"
+#include "web/pages/OrderActions.h"
+#include "web/pages/OrderDialog.h"
+#include "web/pages/OrderListPage.h"
 #include "web/pages/SupplierPages.h"
 #include "web/pages/TransferDialogs.h"
 #include "web/pages/TransferPages.h"
@@ -34,8 +37,7 @@ struct LPlannedPage {
     std::string_view name, title;
 };
 constexpr LPlannedPage kPlannedPages[] = {
-    {"orderlist", "Purchase orders"}, {"orderprop", "Purchase order"},
-    {"itemonorderlist", "On order"},  {"orderlowstockitems", "Order low stock"},
+    {"orderlowstockitems", "Order low stock"},
     {"reports", "Reports"},
 };
 
@@ -95,17 +97,17 @@ constexpr LWebScript WebScriptArray[] = {
     {"reportsales", WLNotBuilt},
     {"chooseprofile", WLWebDialogRun<LWebSelectProfileDialog>},
     {"getsubcate", VWAJAXGetSubCate},
-    {"orderlist", WLNotBuilt},
-    {"orderprop", WLNotBuilt},
-    {"orderdelete", WLNotBuilt},
-    {"orderreceive", WLNotBuilt},
-    {"orderreturn", WLNotBuilt},
-    {"orderregitems", WLNotBuilt},
+    {"orderlist", WLWebPageRun<LWebOrdersPage>},
+    {"orderprop", WLWebDialogRun<LWebOrderDialog>},
+    {"orderdelete", WLOrderDelete},
+    {"orderreceive", WLOrderReceive},
+    {"orderreturn", WLOrderReturn},
+    {"orderregitems", WLOrderRegItems},
     {"orderschedule", WLNotBuilt},
-    {"itemonorderlist", WLNotBuilt},
+    {"itemonorderlist", WLWebPageRun<LWebItemsOnOrderPage>},
     {"runrecurringorder", WLNotBuilt},
-    {"ocbtaxtselchange", WLNotBuilt},
-    {"orderchangeloc", WLNotBuilt},
+    {"ocbtaxtselchange", VWAJAXOCBTaxSelChange},
+    {"orderchangeloc", VWAJAXOderLocationChange},
     {"orderlowstockitems", WLNotBuilt},
     {"iteminventoryprop", WLWebDialogRun<LAppWebItemInventoryDialog>},
     {"itembomprop", WLWebDialogRun<LAppWebItemBOMDialog>},
@@ -115,7 +117,7 @@ constexpr LWebScript WebScriptArray[] = {
     {"generateimagecat", WLNotBuilt},
     {"generatesales", WLNotBuilt},
     {"generateOrderPDF", WLNotBuilt},
-    {"ratechanged", WLNotBuilt},
+    {"ratechanged", WLUseOldTaxRate},
     {"link-quantitychange", WLLinkQuantityChange},
     {"link-sync", WLLinkSync},
     {"link-locreq", WLLinkLocations},

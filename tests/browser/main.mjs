@@ -2,6 +2,7 @@
 import { openBrowser } from './harness.mjs';
 import accessibility from './accessibility.test.mjs';
 import firstSale from './first_sale.test.mjs';
+import orders from './orders.test.mjs';
 import pages from './pages.test.mjs';
 import stockMoves from './stock_moves.test.mjs';
 import uploads from './uploads.test.mjs';
@@ -21,7 +22,7 @@ const test = async (name, run) => {
     }
 };
 
-for (const suite of [firstSale, pages, accessibility, uploads, stockMoves]) {
+for (const suite of [firstSale, orders, pages, accessibility, uploads, stockMoves]) {
     await test(`${suite.name} runs to its end`, () => suite({ test, browser, executable, shots }));
 }
 await browser.close();

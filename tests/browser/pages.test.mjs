@@ -6,7 +6,8 @@ import { Shop, listRows, logOn, openWindow } from './harness.mjs';
 export const PAGES = ['main', 'itemlist', 'itemprop?id=1', 'iteminventoryprop?id=1', 'itempurchasesell?type=receive&id=1',
     'itempurchasesell?type=sell', 'itemreceivelist', 'itemselllist', 'catlist', 'catprop?id=1', 'loclist',
     'locprop?id=1', 'supplierlist', 'supplierprop?id=1', 'customerlist', 'customerprop?id=1', 'userlist',
-    'userprop', 'orderlist', 'itembomprop?id=1', 'itemtransfer?id=1', 'transferlist', 'customerotherprop?id=1', 'itemdelete?id=1&loc=Shop%20Floor'];
+    'userprop', 'orderlist', 'orderprop', 'itemonorderlist', 'itembomprop?id=1', 'itemtransfer?id=1', 'transferlist',
+    'customerotherprop?id=1', 'itemdelete?id=1&loc=Shop%20Floor'];
 const PHONE = 390;
 
 async function inspect(page) {
@@ -72,8 +73,7 @@ async function sortByKeyboard(page, shop) {
 
 // The whole page table: nothing it names is met with a bare 404.
 async function everyNameAnswers(page, shop) {
-    const names = ['orderprop', 'orderdelete', 'reports', 'generatereport',
-        'generateOrderPDF', 'link-sync'];
+    const names = ['orderschedule', 'reports', 'generatereport', 'generateOrderPDF', 'link-sync'];
     for (const name of names) {
         const answer = await page.goto(shop.url + name);
         assert.equal(answer.status(), 200, name);

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "web/framework/LAJAXWebPage.h"
 #include "web/pages/LDialogUserInterface.h"
+#include "web/pages/LTextAnswer.h"
 #include "web/pages/MasterList.h"
 
 namespace {
@@ -24,21 +24,6 @@ std::string JoinNames(const std::vector<std::string>& names) {
     for (const std::string& name : names) text += (text.empty() ? "" : ", ") + name;
     return text;
 }
-
-// The answer of an AJAX call: texts, one per line.
-class LTextAnswer final : public LAJAXWebPage {
-public:
-    LTextAnswer(LWebletForm& form, std::vector<std::string> lines)
-        : LAJAXWebPage(form), lines_(std::move(lines)) {}
-
-protected:
-    void PrintBody() override {
-        for (const std::string& line : lines_) Out().Write(line).Write("\n");
-    }
-
-private:
-    std::vector<std::string> lines_;
-};
 
 }  // namespace
 

@@ -26,6 +26,8 @@ void InvMainPage::AddStockLinks() {
 
 void InvMainPage::AddTradeLinks() {
     AddSection("Buying and selling");
+    AddLink("orderlist", "Purchase orders", "What you order, and what has come of it");
+    AddLink("itemonorderlist", "Items on order", "What is still to come");
     AddLink("supplierlist", "Suppliers", "Whom you buy from");
     AddLink("customerlist", "Customers", "Whom you sell to");
 }
