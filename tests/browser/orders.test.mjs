@@ -60,6 +60,26 @@ async function draftThenRecord(page, shop, code) {
     assert.equal(shop.record('Items/BRAND-NEW.dat').Name, 'BRAND-NEW');
 }
 
+// A delivery that names the order, and its row taken out of the history again.
+async function receiveAPart(page, shop, code) {
+    await page.goto(shop.url + 'itempurchasesell?type=receive&id=1&loc=Stockroom');
+    await page.fill(control(103), '3');
+    await page.selectOption(control(109), '10000');
+    await page.click(button('  OK  '));
+    await page.waitForURL(/itemlist/);
+    await page.goto(shop.url + 'orderlist?receipts=Partly%20received');
+    assert.deepEqual((await listRows(page)).map((row) => row[6]), ['Partial']);
+    await page.goto(shop.url + 'itemonorderlist?item=1');
+    assert.deepEqual((await listRows(page)).map((row) => row[6]), ['1.00']);
+    const today = new Date().toISOString().slice(0, 10);
+    await page.goto(`${shop.url}itemreceivelist?item=${code}&from=${today}`);
+    await page.click('table.hltbl tbody tr:has(td:text-is("3.00")) >> text=Delete');
+    await page.click('text=Yes');
+    await page.waitForURL(/itemreceivelist/);
+    await page.goto(shop.url + 'orderlist');
+    assert.equal((await listRows(page))[0][6], 'Open');
+}
+
 async function receiveOnce(page, shop) {
     await page.goto(shop.url + 'itemonorderlist');
     assert.equal((await listRows(page)).length, 2);
@@ -126,6 +146,7 @@ export default async function orders({ test, browser, executable, shots }) {
             await page.goto(shop.url + 'orderlist');
             await page.screenshot({ path: join(shots, 'orders-1280.png') });
         }
+        await test('a delivery counts on its order', () => receiveAPart(page, shop, code));
         await test('an order is received once, however often it is pressed', () => receiveOnce(page, shop));
         await test('a received order is only recorded again when asked', () => recordAgain(page, shop));
         await test('an order goes back and away', () => returnAndDelete(page, shop));

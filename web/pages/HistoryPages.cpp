@@ -2,6 +2,7 @@
 
 #include "inventory/HistoryDelete.h"
 #include "inventory/LItem.h"
+#include "orders/OrderReceiving.h"
 #include "web/framework/LHtmlList.h"
 #include "web/framework/LWebUserInterface.h"
 #include "web/framework/PageTargets.h"
@@ -137,7 +138,7 @@ void LHistoryPage::PrintProblem(const std::string& problem) {
 }
 
 void LAppWebItemReceiveListPage::DeleteRow(LUserInterface& ui, const LHistoryRowId& row) {
-    LDeleteReceiveRows(ui, Profile(), {row});
+    LOrderDeleteReceiveRows(ui, Profile(), {row});
 }
 
 void LAppWebItemReceiveListPage::PrintBody() {

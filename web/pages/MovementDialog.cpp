@@ -3,8 +3,11 @@
 #include <algorithm>
 
 #include "inventory/MasterRecords.h"
+#include "inventory/OrderReferences.h"
 #include "inventory/StockMovements.h"
 #include "inventory/StockQuantities.h"
+#include "orders/OrderListView.h"
+#include "orders/OrderReceiving.h"
 #include "web/pages/NameChoices.h"
 
 namespace {
@@ -17,7 +20,8 @@ enum {
     kMoveParty = 105,
     kMoveWriteOff = 106,
     kMoveDate = 107,
-    kMoveText = 108
+    kMoveText = 108,
+    kMoveOrder = 109
 };
 
 }  // namespace
@@ -92,6 +96,7 @@ void LAppWebItemPurchaseSellDialog::GenerateParty() {
             .AddStatic("Supplier")
             .AddEditablePullDownList(kMoveParty, SortedNames(Profile(), "Suppliers"),
                                      item_.GetString("Supplier"));
+        GenerateOrder();
         return;
     }
     LInputOptions look;
@@ -100,6 +105,21 @@ void LAppWebItemPurchaseSellDialog::GenerateParty() {
         .AddStatic("Customer")
         .AddEditablePullDownList(kMoveParty, SortedNames(Profile(), "Customers"), "", look);
     StartRow().AddStatic("").AddCheckBox(kMoveWriteOff, "Damaged or lost: write it off", false);
+}
+
+// The orders that the delivery may belong to: recorded, not fully received, with a line for the
+// item where it is known.
+void LAppWebItemPurchaseSellDialog::GenerateOrder() {
+    std::vector<LOption> orders{{"", "None", {}}};
+    FillOrderList(Profile(), {LOrdersShown::kRecorded, true, false}, [&](const LOrderRow& row) {
+        if (item_.IsBound() && !OrderHasLineFor(row.order, item_.GetPrimaryKey())) return;
+        const std::string& id = row.order.GetPrimaryKey();
+        orders.push_back({id, id + " " + std::string(row.supplierName), {}});
+    });
+    if (orders.size() == 1) return;
+    StartRow()
+        .AddStatic("Purchase order")
+        .AddPullDownListEx(kMoveOrder, orders, Form().Parameter("order"));
 }
 
 bool LAppWebItemPurchaseSellDialog::CmOk() {
@@ -153,7 +173,12 @@ bool LAppWebItemPurchaseSellDialog::Receive() {
     receipt.quantity = quantity_;
     receipt.unitCost = unitAmount_;
     receipt.date = date_;
-    if (ReceiveItem(Profile(), receipt)) return true;
+    receipt.orderId = GetText(kMoveOrder);
+    if (!receipt.orderId.empty() && !Profile().Orders().TestRecordExists(receipt.orderId)) {
+        PopupControlDataInvalid(kMoveOrder, "This order has been deleted in the meantime.");
+        return false;
+    }
+    if (LOrderReceiveItem(Profile(), receipt)) return true;
     PopupBoxError("The stock could not be received. Check the item and the location.");
     return false;
 }

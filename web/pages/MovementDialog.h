@@ -19,6 +19,7 @@ private:
     void GenerateItem();
     void GenerateLocation();
     void GenerateParty();
+    void GenerateOrder();
     LMoney OwnAmount() const;  // the item's price or cost
     bool ReadItem();
     bool ReadNumbers();
