@@ -107,6 +107,10 @@ public:
     // Places the next period's order. Under the movement lock, with the template as it is stored.
     LStep Record(const LProfile& profile, LPOrder& recurring, std::string& orderId);
 
+    // Stopped with periods still due: the template then was run last when it was served last, so
+    // that the next look goes on from there. Under the movement lock, as Record.
+    void KeepPlace(LPOrder& recurring);
+
 private:
     bool FindDue(const LPOrder& recurring);
 
@@ -146,7 +150,13 @@ LCatchUp::LStep LCatchUp::Record(const LProfile& profile, LPOrder& recurring,
     return LStep::kRecorded;
 }
 
-bool RunTemplate(LProcessInterface& process, LRecurringOrderRunAllData& data,
+void LCatchUp::KeepPlace(LPOrder& recurring) {
+    if (!served_ || !FindDue(recurring)) return;
+    recurring.SetString("RecurLast", served_->ToStored());
+    recurring.Flush();
+}
+
+void RunTemplate(LProcessInterface& process, LRecurringOrderRunAllData& data,
                  const std::string& id) {
     LCatchUp catchUp(data.now);
     while (!process.IsCancelled()) {
@@ -155,19 +165,21 @@ bool RunTemplate(LProcessInterface& process, LRecurringOrderRunAllData& data,
         LCatchUp::LStep step = LCatchUp::LStep::kNothingDue;
         {
             const LMovementLock lock(data.profile);
-            if (!LRecurringPOrderList(data.profile).Open(recurring, id)) return true;
+            if (!LRecurringPOrderList(data.profile).Open(recurring, id)) return;
             step = catchUp.Record(data.profile, recurring, orderId);
         }
-        if (step == LCatchUp::LStep::kNothingDue) return true;
+        if (step == LCatchUp::LStep::kNothingDue) return;
         if (step == LCatchUp::LStep::kFailed) {
             data.result.failures.push_back(NotRecorded(id));
-            return false;
+            return;
         }
         data.result.orderIds.push_back(orderId);
         std::string failure = Dispatch(data.profile, data.dispatch, recurring, orderId);
         if (!failure.empty()) data.result.failures.push_back(std::move(failure));
     }
-    return false;
+    const LMovementLock lock(data.profile);
+    LPOrder recurring;
+    if (LRecurringPOrderList(data.profile).Open(recurring, id)) catchUp.KeepPlace(recurring);
 }
 
 std::vector<std::string> TemplateIds(const LProfile& profile) {

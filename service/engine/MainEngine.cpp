@@ -22,6 +22,9 @@ MainEngine::~MainEngine() { StopEmail(); }
 void MainEngine::Start() {
     LServiceLog("Starting server engine...");
     StartEmail();
+    if (!recurringOrders_.Start()) {
+        LServiceLog("The thread that places recurring orders could not be started.", {}, kLogError);
+    }
     if (!LWebletServer::IsWebletServerEnabled()) return;
     LServiceLog("Starting web server...");
     webControl_.StartServer();
@@ -30,7 +33,9 @@ void MainEngine::Start() {
 void MainEngine::Stop() {
     LServiceLog("Stopping server engine");
     lowStockEmails_.RequestStop();
+    recurringOrders_.RequestStop();
     StopWebServer();
+    recurringOrders_.StopAndJoin();
     StopEmail();
 }
 

@@ -4,8 +4,10 @@
 #include <cstdint>
 
 #include "inventory/SendEmailThread.h"
+#include "orders/LOrderSender.h"
 #include "platform/LThread.h"
 #include "service/email/SendEmailBackground.h"
+#include "service/engine/LRecurringOrderThread.h"
 #include "service/engine/LWebControl.h"
 
 // Used on the service's main thread only.
@@ -30,7 +32,8 @@ private:
 
     LEmailSendBackgroundThread emailSender_;
     SendEmailThread lowStockEmails_;
-
+    LOrderSender orderSender_;
+    LRecurringOrderThread recurringOrders_{orderSender_};
     LWebControl webControl_;
     LDetachedThreadGroup workers_;
 };

@@ -7,8 +7,12 @@
 #include <thread>
 #include <vector>
 
+#include "orders/LOrderSender.h"
 #include "orders/LPOrderList.h"
+#include "orders/LRecurringClock.h"
+#include "orders/OrderTotals.h"
 #include "orders/RecurringSchedule.h"
+#include "platform/FileIo.h"
 #include "tests/orders/LOrderShop.h"
 #include "tests/support/LChildProcess.h"
 #include "tests/support/LFailNthFileCall.h"
@@ -128,10 +132,9 @@ protected:
         }
         return texts;
     }
-    bool RunAll(std::string_view day, size_t stopAfterStatus = 0) {
+    bool RunAll(std::string_view day) {
         LRecurringOrderRunAllData data{shop.profile, dispatch, Noon(day)};
         LScriptedUserInterface ui;
-        if (stopAfterStatus != 0) ui.CancelAfterStatus(stopAfterStatus);
         const bool isDone = RunRecurringOrders(ui, data);
         told.clear();
         for (const auto& shown : ui.Informed()) told.push_back(shown.text);
@@ -173,6 +176,25 @@ TEST_F(RecurringOrders, EachMissedPeriodHasItsOrder) {
     EXPECT_EQ(order.GetTotal(), 220) << "the rate of today, not the template's";
     EXPECT_EQ(order.GetString("Item1TaxRate"), "10/") << "which the order keeps";
     EXPECT_EQ(shop.Stored("OrdersRecurring", id, "Item1Description"), "%period%: rent, %period%");
+}
+
+// Whoever stops a long catching up finds the rest still due.
+TEST_F(RecurringOrders, StoppedItGoesOnWhereItWas) {
+    class LStopAfter final : public LProcessInterface {
+    public:
+        void SetStatus(std::string_view) override {}
+        void SetProgress(double) override {}
+        bool IsCancelled() const override { return ++asked > 3; }
+        mutable int asked = 0;
+    };
+    const std::string id = AddTemplate({{"RecurStart", "2026-01-05"}, {"RecurInterval", "0"}});
+    LStopAfter process;
+    LRecurringOrderRunAllData data{shop.profile, dispatch, Noon("2026-02-04")};
+    EXPECT_FALSE(Process(process, data));
+    EXPECT_EQ(data.result.orderIds.size(), 2U);
+    EXPECT_EQ(shop.Stored("OrdersRecurring", id, "RecurLast"), "2026-01-12");
+    EXPECT_TRUE(RunAll("2026-02-04"));
+    EXPECT_EQ(Orders().size(), 5U);
 }
 
 TEST_F(RecurringOrders, PricesFollowTheItems) {
@@ -237,6 +259,62 @@ TEST_F(RecurringOrders, WhatCannotBeRecordedLeavesNothingBehind) {
         ASSERT_TRUE(shop.profile.OrdersRecurring().Delete(id));
         ASSERT_LT(n, 200);
     }
+}
+
+TEST(RecurringClock, LooksHourlyAndAtMidnightWhateverTheClockDoes) {
+    const LZone local("America/Santiago");  // its clocks change at midnight
+    LRecurringClock clock;
+    const std::time_t start = StartOfLocalDay(Day("2026-09-05")) + 23 * 3600;
+    EXPECT_TRUE(clock.IsTimeToLook(start));
+    EXPECT_FALSE(clock.IsTimeToLook(start + 3599));
+    const std::time_t midnight = StartOfLocalDay(Day("2026-09-06"));  // 01:00, there is no 00:00
+    EXPECT_EQ(LRecurringClock::WaitMs(midnight - 5), 5000);
+    EXPECT_EQ(LRecurringClock::WaitMs(midnight), LRecurringClock::kLongestWaitMs);
+    EXPECT_TRUE(clock.IsTimeToLook(midnight));
+    EXPECT_FALSE(clock.IsTimeToLook(midnight + 60));
+    EXPECT_TRUE(clock.IsTimeToLook(midnight + 3600));
+    EXPECT_TRUE(clock.IsTimeToLook(midnight - 10)) << "set back into yesterday";
+    EXPECT_TRUE(clock.IsTimeToLook(midnight - 86400 * 30)) << "set back by a month";
+    EXPECT_FALSE(clock.IsTimeToLook(midnight - 86400 * 30 + 60));
+}
+
+TEST(OrderSender, HandsOutWhatTheSupplierNeeds) {
+    LOrderShop shop;
+    shop.Settings("Company", {{"Name", "Quill & Co"}});
+    const std::string item = shop.Add("Items", {{"Name", "BOLT-8"}});
+    LPOrder order;
+    ASSERT_TRUE(LOrderCreateRecorded(shop.profile, order));
+    order.SetString("Supplier", shop.Add("Suppliers", {{"Name", "Bolts"}, {"Address", "A\r\nB"}}));
+    order.SetString("NotesIternal", "too dear");
+    AddLine(order, {12, 250, "", "", 2, item});
+    ASSERT_TRUE(LOrderSumTotals(shop.profile, order, LTaxRates::kPresent));
+
+    std::string printed, mailed;
+    int exitStatus = 0;
+    LOrderSender sender(
+        [&](const std::vector<std::string>& words, int) {
+            EXPECT_EQ(words.size(), 5U);
+            printed = words[2] + "|" + ReadFile(words[4]).value_or("no file");
+            return exitStatus;
+        },
+        [&](std::string_view to, std::string_view subject, std::string_view body) {
+            mailed = std::string(to).append("|").append(subject).append("|").append(body);
+            return true;
+        });
+    EXPECT_TRUE(sender.Print(shop.profile, order));
+    EXPECT_TRUE(sender.Email(shop.profile, order, "b@x.org"));
+    for (const std::string& text : {printed, mailed}) {
+        for (const char* part : {"Purchase Order 10000", "Quill & Co", "Bolts\n    A\n    B\n",
+                                 "BOLT-8", "12.00 x ", "30.00"}) {
+            EXPECT_NE(text.find(part), std::string::npos) << part << " in\n" << text;
+        }
+        EXPECT_EQ(text.find("too dear"), std::string::npos);
+    }
+    EXPECT_FALSE(sender.Email(shop.profile, order, "")) << "nobody to send to";
+    exitStatus = 1;
+    EXPECT_FALSE(sender.Print(shop.profile, order)) << "no printer";
+    EXPECT_FALSE(LOrderSender().Print(shop.profile, order));
+    EXPECT_FALSE(sender.Fax(shop.profile, order, "123"));
 }
 
 // Two services and a desktop wake up at the same midnight.
