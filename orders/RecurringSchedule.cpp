@@ -1,5 +1,7 @@
 #include "orders/RecurringSchedule.h"
 
+#include "orders/LPOrderList.h"
+
 namespace {
 
 constexpr int kWeekSeconds = 604800;
@@ -76,4 +78,16 @@ bool LRecurringScheduleSave(LPOrder& recurring, const LRecurringScheduleInput& i
     recurring.SetBool("RecurReplaceText", input.replaceText);
     recurring.SetBool("RecurUpdatePrices", input.updatePrices);
     return recurring.Flush();
+}
+
+bool LRecurringOrderMake(const LProfile& profile, const LPOrder& order,
+                         const LRecurringScheduleInput& input, std::string& newId) {
+    LPOrder recurring;
+    if (!LOrderCreateRecurring(profile, recurring)) return false;
+    newId = recurring.GetPrimaryKey();
+    recurring.CopyRecord(order);
+    recurring.SetBool("IsDraft", false);
+    recurring.SetStockReceivedStatus(StockNotReceived);
+    recurring.SetString("RecurLast", "");  // of the template that the order came from, if any
+    return LRecurringScheduleSave(recurring, input);
 }

@@ -11,9 +11,11 @@
 #include <cstdint>
 #include <ctime>
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "datastore/LDate.h"
+#include "datastore/LProfile.h"
 #include "orders/LPOrder.h"
 
 inline constexpr std::array<std::string_view, 8> kRecurIntervals{
@@ -47,3 +49,7 @@ struct LRecurringScheduleInput {
 LRecurringScheduleInput LRecurringScheduleOf(const LPOrder& recurring);
 // Stores it in the template and saves. False when it could not be saved.
 [[nodiscard]] bool LRecurringScheduleSave(LPOrder& recurring, const LRecurringScheduleInput& input);
+// Makes a new template of a stored order, which stays as it is, with this schedule. False when it
+// could not be saved.
+[[nodiscard]] bool LRecurringOrderMake(const LProfile& profile, const LPOrder& order,
+                                       const LRecurringScheduleInput& input, std::string& newId);

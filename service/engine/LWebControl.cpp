@@ -15,11 +15,13 @@
 #include "web/pages/ItemDialogs.h"
 #include "web/pages/ItemListPage.h"
 #include "web/pages/LocationPages.h"
+#include "web/pages/LowStockPages.h"
 #include "web/pages/MainPage.h"
 #include "web/pages/MovementDialog.h"
 #include "web/pages/OrderActions.h"
 #include "web/pages/OrderDialog.h"
 #include "web/pages/OrderListPage.h"
+#include "web/pages/RecurringPages.h"
 #include "web/pages/SupplierPages.h"
 #include "web/pages/TransferDialogs.h"
 #include "web/pages/TransferPages.h"
@@ -37,7 +39,6 @@ struct LPlannedPage {
     std::string_view name, title;
 };
 constexpr LPlannedPage kPlannedPages[] = {
-    {"orderlowstockitems", "Order low stock"},
     {"reports", "Reports"},
 };
 
@@ -103,12 +104,12 @@ constexpr LWebScript WebScriptArray[] = {
     {"orderreceive", WLOrderReceive},
     {"orderreturn", WLOrderReturn},
     {"orderregitems", WLOrderRegItems},
-    {"orderschedule", WLNotBuilt},
+    {"orderschedule", WLWebDialogRun<LWebOrderRecurringDialog>},
     {"itemonorderlist", WLWebPageRun<LWebItemsOnOrderPage>},
-    {"runrecurringorder", WLNotBuilt},
+    {"runrecurringorder", WLProcessRunRecurringOrder},
     {"ocbtaxtselchange", VWAJAXOCBTaxSelChange},
     {"orderchangeloc", VWAJAXOderLocationChange},
-    {"orderlowstockitems", WLNotBuilt},
+    {"orderlowstockitems", WLWebDialogRun<LWebOrderLowStockItemsDialog>},
     {"iteminventoryprop", WLWebDialogRun<LAppWebItemInventoryDialog>},
     {"itembomprop", WLWebDialogRun<LAppWebItemBOMDialog>},
     {"reportredirect", WLNotBuilt},

@@ -19,6 +19,8 @@ void InvMainPage::AddStockLinks() {
     }
     AddLink("itemlist?stock=Below%20warning%20level", "Low stock",
             "Items at or below their warning");
+    AddLink("orderlowstockitems", "Order low stock",
+            "Order what falls short of its ideal quantity");
     AddLink("itemreceivelist", "Receiving history", "What came in, and from whom");
     AddLink("itemselllist", "Sales history", "What went out, and to whom");
     AddLink("transferlist", "Transfers", "What moves between locations, and how far it has come");
@@ -28,6 +30,7 @@ void InvMainPage::AddTradeLinks() {
     AddSection("Buying and selling");
     AddLink("orderlist", "Purchase orders", "What you order, and what has come of it");
     AddLink("itemonorderlist", "Items on order", "What is still to come");
+    AddLink("orderschedule", "Recurring orders", "What is ordered again and again");
     AddLink("supplierlist", "Suppliers", "Whom you buy from");
     AddLink("customerlist", "Customers", "Whom you sell to");
 }
