@@ -91,6 +91,8 @@ bool LPlacing::PlanOrder(const LSupplier& supplier, const LLocation& location, c
     order.SetInt("OrderType", kOrderTypePurchase);
     order.SetBool("IsDraft", false);
     order.SetBool("IsTaxInclusive", taxes_.IsInclusive());
+    // So that its total can be found again when the rates have moved on.
+    LOrderStoreLineRates(taxes_, order, LTaxRates::kPresent);
     if (!LOrderSumTotals(profile_, order, LTaxRates::kPresent)) return false;
     planned_.push_back(std::move(planned));
     return true;
