@@ -1,6 +1,7 @@
 // Runs every test of the test files named below, one after the other, and counts.
 import { openBrowser } from './harness.mjs';
 import accessibility from './accessibility.test.mjs';
+import buying from './buying.test.mjs';
 import firstSale from './first_sale.test.mjs';
 import orders from './orders.test.mjs';
 import pages from './pages.test.mjs';
@@ -22,7 +23,7 @@ const test = async (name, run) => {
     }
 };
 
-for (const suite of [firstSale, orders, pages, accessibility, uploads, stockMoves]) {
+for (const suite of [firstSale, orders, pages, accessibility, uploads, stockMoves, buying]) {
     await test(`${suite.name} runs to its end`, () => suite({ test, browser, executable, shots }));
 }
 await browser.close();

@@ -103,6 +103,7 @@ protected:
         GetItemCode(shop.profile, order.GetItemID(0), line.itemCode);
         order.GetLocationName(shop.profile, line.locationName);
         line.quantity = "1";
+        line.unitCost = "0";
         back.lines.push_back(line);
         int returned = 0;
         if (order.GetItemQty(0) - order.GetItemQtyNotReceived(0) < 1) return;

@@ -46,6 +46,11 @@ private:
     std::string text_;
 };
 
+// On a phone a row's inputs need the whole width of its card.
+constexpr char kStyle[] =
+    "#controltable .hltbl input.number { width: 8em; text-align: right; }"
+    "@media (max-width: 700px) { #controltable .hltbl .hltd { grid-column: 1 / -1; } }";
+
 constexpr std::string_view kScript =
     "function rowChanged(prefix, column) {\n"
     "    var quantity = document.getElementById(prefix + '1');\n"
@@ -82,6 +87,7 @@ LWebOrderLowStockItemsDialog::LWebOrderLowStockItemsDialog(LWebletForm& form) : 
 
 bool LWebOrderLowStockItemsDialog::Prepare() {
     if (IsViewer()) SetWithoutOk();
+    SetStyle(kStyle);
     return true;
 }
 
@@ -140,7 +146,7 @@ void LWebOrderLowStockItemsDialog::AddRow(LHtmlList& table, const LLowStockRow& 
                            const std::string& value) {
         const int id = Control(index, part);
         cells.AddCellPrintF(
-            "<input type=text class=number inputmode=decimal size=10 maxlength=40 autocomplete=off "
+            "<input type=text class=number inputmode=decimal maxlength=40 autocomplete=off "
             "id=%d name=%d value='%H' aria-label='%H of %H' onchange=\"rowChanged('%d', '%s')\">",
             id, id, value, name, row.code, kFirstPrefix + index, column);
     };
