@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <map>
 
-#include "web/framework/LAJAXWebPage.h"
 #include "web/framework/LHtmlList.h"
+#include "web/pages/LTextAnswer.h"
 #include "web/pages/ListFilterForm.h"
 #include "web/pages/NameChoices.h"
 
@@ -33,18 +33,6 @@ constexpr LHtmlListColumn kColumns[] = {
 std::string KeyOf(const LLowStockRow& row) { return row.itemId + "\t" + row.locationName; }
 
 std::string ChooseSupplier(const LLowStockRow& row) { return "Supplier of " + row.code; }
-
-// The answer to the page's script: "ok" and three texts, or the complaint; a line each.
-class LRowAnswer final : public LAJAXWebPage {
-public:
-    LRowAnswer(LWebletForm& form, std::string text) : LAJAXWebPage(form), text_(std::move(text)) {}
-
-protected:
-    void PrintBody() override { Out().Write(text_); }
-
-private:
-    std::string text_;
-};
 
 // On a phone a row's inputs need the whole width of its card.
 constexpr char kStyle[] =
@@ -185,8 +173,9 @@ bool LWebOrderLowStockItemsDialog::SendAJAXCommands() {
     const bool isWhole = wrongQuantity.empty() && wrongCost.empty();
     const std::string total = isWhole ? Profile().FormatMoney(row.LineTotal()) : "";
     if (wrongCost.empty()) cost = Profile().FormatMoneyInput(row.unitCost);
-    LRowAnswer(Form(), wrong.empty() ? "ok\n" + quantity + "\n" + cost + "\n" + total : wrong)
-        .Open();
+    std::vector<std::string> lines{wrong};
+    if (wrong.empty()) lines = {"ok", quantity, cost, total};
+    LTextAnswer(Form(), std::move(lines)).Open();
     return true;
 }
 

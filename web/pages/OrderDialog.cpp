@@ -287,7 +287,8 @@ bool LWebOrderDialog::SaveRecurring() {
     LOrderInput input = OrderInputFrom(Form().Parameters(), order_.GetPrimaryKey());
     LDialogUserInterface ui;
     if (!ShowError(LOrderEditorSaveRecurring(ui, Profile(), input))) return false;
-    Redirect(WLMakeLink("orderprop", {{"id", input.id}}));
+    // It is placed once it has a day to begin with.
+    Redirect(WLMakeLink("orderschedule", {{"id", input.id}}));
     return true;
 }
 
