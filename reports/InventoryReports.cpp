@@ -142,7 +142,8 @@ public:
         : profile_(profile), layout_(layout) {}
 
     void Fill(LReportRow& row, const LStockLine& line) const {
-        row.pictureFile = line.pictureFile;
+        row.itemId = line.itemId;
+        row.hasPicture = line.hasPicture;
         for (size_t i = 0; i < row.cells.size(); ++i) row.cells[i] = Cell(line, layout_.cells[i]);
     }
     void FillSum(LReportRow& row, const std::string& label, const LStockSum& sum) const {

@@ -31,8 +31,10 @@ void LReport::Clear() {
 }
 
 LReportRow& LReport::AddRow(LReportRowKind kind) {
-    rows_.push_back({kind, std::vector<std::string>(columns_.size())});
-    return rows_.back();
+    LReportRow& row = rows_.emplace_back();
+    row.kind = kind;
+    row.cells.resize(columns_.size());
+    return row;
 }
 
 bool ReportWants(std::string_view choice, std::string_view name) {

@@ -30,7 +30,8 @@ enum class LReportRowKind {
 struct LReportRow {
     LReportRowKind kind = LReportRowKind::kRow;
     std::vector<std::string> cells;  // one for each column, as they are shown
-    std::string pictureFile = {};    // of reports with pictures; empty: none
+    std::string itemId = {};         // the key of the item it is about; empty: none in particular
+    bool hasPicture = false;         // of that item, in reports with pictures
 };
 
 // "label: value".
@@ -70,7 +71,9 @@ protected:
     // Forgets the rows and the problem.
     void Clear();
     LReportRow& AddRow(LReportRowKind kind = LReportRowKind::kRow);  // with empty cells
-    void AddCells(std::vector<std::string> cells) { rows_.push_back({{}, std::move(cells)}); }
+    void AddCells(std::vector<std::string> cells, std::string itemId = {}) {
+        rows_.push_back({LReportRowKind::kRow, std::move(cells), std::move(itemId)});
+    }
     void SetProblem(std::string problem) { problem_ = std::move(problem); }
 
 private:

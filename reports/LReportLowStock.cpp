@@ -18,7 +18,7 @@ constexpr LReportColumn kColumns[] = {{"Item", 9, kReportLeft},
                                       kReportColumnsEnd};
 
 struct LLowLine {
-    std::string foldedCode, code, description, locationId;
+    std::string itemId, foldedCode, code, description, locationId;
     double quantity = 0, warnQuantity = 0, idealQuantity = 0;
 };
 
@@ -36,8 +36,9 @@ std::vector<LLowLine> ReadLowLines(const LProfile& profile) {
              ParseLocationAndQuantities(item.GetView("LocationsAndQuantities"))) {
             if (!IsLow(entry)) continue;
             const std::string code(item.GetView("Name"));
-            lines.push_back({FoldCase(code), code, item.GetString("Description"), entry.location,
-                             entry.quantity, entry.warnQuantity, entry.idealQuantity});
+            lines.push_back({item.GetPrimaryKey(), FoldCase(code), code,
+                             item.GetString("Description"), entry.location, entry.quantity,
+                             entry.warnQuantity, entry.idealQuantity});
         }
     }
     std::stable_sort(lines.begin(), lines.end(), [](const LLowLine& left, const LLowLine& right) {
@@ -55,9 +56,10 @@ void LReportLowStock::GenerateReport() {
     Clear();
     const LNameMap locations(Profile(), "Locations");
     for (const LLowLine& line : ReadLowLines(Profile())) {
-        AddCells({line.code, line.description, std::string(locations.Name(line.locationId)),
-                  Profile().FormatQuantity(line.quantity),
-                  Profile().FormatQuantity(line.warnQuantity),
-                  Profile().FormatQuantity(line.idealQuantity)});
+        AddCells(
+            {line.code, line.description, std::string(locations.Name(line.locationId)),
+             Profile().FormatQuantity(line.quantity), Profile().FormatQuantity(line.warnQuantity),
+             Profile().FormatQuantity(line.idealQuantity)},
+            line.itemId);
     }
 }

@@ -43,7 +43,7 @@ struct LSalesSum {
 
 struct LSoldItem {
     explicit LSoldItem(int digits) : sum(digits) {}
-    std::string code, foldedCode;
+    std::string itemId, code, foldedCode;
     bool isGone = false;
     LMoney cost{}, price{};
     LSalesSum sum;
@@ -84,6 +84,7 @@ private:
 
     void Finish(const std::string& key, LSoldItem& sold) {
         LItem item;
+        sold.itemId = key;
         sold.isGone = !profile_.Items().Open(item, key);
         if (sold.isGone) {
             sold.code = "Deleted item " + key;
@@ -142,6 +143,7 @@ void LReportSales::GenerateReport() {
         for (const LSoldItem* item : items) {
             LReportRow& row = AddRow();
             row.cells[0] = item->code;
+            if (!item->isGone) row.itemId = item->itemId;
             if (!item->isGone) row.cells[2] = Profile().FormatMoney(item->cost);
             if (!item->isGone) row.cells[3] = Profile().FormatMoney(item->price);
             FillSum(Profile(), item->sum, row);

@@ -48,21 +48,20 @@ private:
 
     void AddItem(const LItem& item, std::string_view category, const LStockEntries& entries) {
         LStockLine& line = AddLine(item, category);
-        line.pictureFile = GetItemPictureFile(profile_, item);
+        line.hasPicture = !GetItemPictureFile(profile_, item).empty();
         for (const LocationAndQuantities& entry : entries) line.quantity += entry.quantity;
     }
 
     LStockLine& AddLine(const LItem& item, std::string_view category) {
-        lines_.push_back({std::string(item.GetView("Name")),
-                          std::string(item.GetView("Description")),
-                          {},
-                          std::string(category),
-                          std::string(item.GetView("Supplier")),
-                          {},
-                          0,
-                          item.Cost(),
-                          item.Price()});
-        return lines_.back();
+        LStockLine& line = lines_.emplace_back();
+        line.itemId = item.GetPrimaryKey();
+        line.code = item.GetView("Name");
+        line.description = item.GetView("Description");
+        line.category = category;
+        line.supplier = item.GetView("Supplier");
+        line.cost = item.Cost();
+        line.price = item.Price();
+        return line;
     }
 
     const LProfile& profile_;

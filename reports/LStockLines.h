@@ -9,7 +9,8 @@
 #include "datastore/LProfile.h"
 
 struct LStockLine {
-    std::string code, description, location, category, supplier, pictureFile;
+    std::string itemId, code, description, location, category, supplier;
+    bool hasPicture = false;
     double quantity = 0;
     LMoney cost, price;
 };

@@ -22,6 +22,8 @@
 #include "web/pages/OrderDialog.h"
 #include "web/pages/OrderListPage.h"
 #include "web/pages/RecurringPages.h"
+#include "web/pages/ReportDialogs.h"
+#include "web/pages/ReportPages.h"
 #include "web/pages/SupplierPages.h"
 #include "web/pages/TransferDialogs.h"
 #include "web/pages/TransferPages.h"
@@ -34,20 +36,8 @@ struct LWebScript {
     LWebletScript script;
 };
 
-// Names whose pages this version does not have yet; the rest are titled by their name.
-struct LPlannedPage {
-    std::string_view name, title;
-};
-constexpr LPlannedPage kPlannedPages[] = {
-    {"reports", "Reports"},
-};
-
-void WLNotBuilt(LWebletForm& form) {
-    for (const LPlannedPage& page : kPlannedPages) {
-        if (page.name == form.PageName()) return WLNotBuiltYet(form, page.title);
-    }
-    WLNotBuiltYet(form);
-}
+// Papers that this version cannot draw yet.
+void WLNotBuilt(LWebletForm& form) { WLNotBuiltYet(form); }
 
 // Every page of the program, in the order of installation. Names are part of what links, bookmarks
 // and partner programs rely on, capitals and odd spellings included. Of a name that the modules
@@ -88,14 +78,14 @@ constexpr LWebScript WebScriptArray[] = {
     {"loclist", WLWebPageRun<LAppWebLocPage>},
     {"locprop", WLWebDialogRun<LAppWebLocDialog>},
     {"locdelete", WLLocDelete},
-    {"reports", WLNotBuilt},
-    {"generatereport", WLNotBuilt},
-    {"reportlowlevel", WLNotBuilt},
-    {"reportbackorder", WLNotBuilt},
-    {"reportlocation", WLNotBuilt},
-    {"reportcatimage", WLNotBuilt},
-    {"reportsupplier", WLNotBuilt},
-    {"reportsales", WLNotBuilt},
+    {"reports", WLWebPageRun<LWebReportsPage>},
+    {"generatereport", LWebReportsPage::GenerateReport},
+    {"reportlowlevel", LWebReportsPage::GenerateReport},
+    {"reportbackorder", LWebReportsPage::GenerateReport},
+    {"reportlocation", WLWebDialogRun<LWebReportLocCatDialog>},
+    {"reportcatimage", WLWebDialogRun<LWebReportCatImgDialog>},
+    {"reportsupplier", WLWebDialogRun<LWebReportSupplierDialog>},
+    {"reportsales", WLWebDialogRun<LWebReportSalesDialog>},
     {"chooseprofile", WLWebDialogRun<LWebSelectProfileDialog>},
     {"getsubcate", VWAJAXGetSubCate},
     {"orderlist", WLWebPageRun<LWebOrdersPage>},
@@ -112,11 +102,11 @@ constexpr LWebScript WebScriptArray[] = {
     {"orderlowstockitems", WLWebDialogRun<LWebOrderLowStockItemsDialog>},
     {"iteminventoryprop", WLWebDialogRun<LAppWebItemInventoryDialog>},
     {"itembomprop", WLWebDialogRun<LAppWebItemBOMDialog>},
-    {"reportredirect", WLNotBuilt},
-    {"generatesuppreport", WLNotBuilt},
-    {"generateloccatreport", WLNotBuilt},
-    {"generateimagecat", WLNotBuilt},
-    {"generatesales", WLNotBuilt},
+    {"reportredirect", WLWebPageRun<LWebPageDownloadAndRedirect>},
+    {"generatesuppreport", WLGenerateSuppReport},
+    {"generateloccatreport", WLGenerateLocCatReport},
+    {"generateimagecat", WLGenerateImageCatReport},
+    {"generatesales", WLGenerateSalesReport},
     {"generateOrderPDF", WLNotBuilt},
     {"ratechanged", WLUseOldTaxRate},
     {"link-quantitychange", WLLinkQuantityChange},

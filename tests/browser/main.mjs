@@ -5,6 +5,7 @@ import buying from './buying.test.mjs';
 import firstSale from './first_sale.test.mjs';
 import orders from './orders.test.mjs';
 import pages from './pages.test.mjs';
+import reports from './reports.test.mjs';
 import stockMoves from './stock_moves.test.mjs';
 import uploads from './uploads.test.mjs';
 
@@ -23,7 +24,7 @@ const test = async (name, run) => {
     }
 };
 
-for (const suite of [firstSale, orders, pages, accessibility, uploads, stockMoves, buying]) {
+for (const suite of [firstSale, orders, pages, accessibility, uploads, stockMoves, buying, reports]) {
     await test(`${suite.name} runs to its end`, () => suite({ test, browser, executable, shots }));
 }
 await browser.close();

@@ -73,7 +73,7 @@ async function sortByKeyboard(page, shop) {
 
 // The whole page table: nothing it names is met with a bare 404.
 async function everyNameAnswers(page, shop) {
-    const names = ['orderschedule', 'reports', 'generatereport', 'generateOrderPDF', 'link-sync'];
+    const names = ['orderschedule', 'generateOrderPDF', 'generateTransferPDF'];
     for (const name of names) {
         const answer = await page.goto(shop.url + name);
         assert.equal(answer.status(), 200, name);

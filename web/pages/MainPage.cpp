@@ -24,6 +24,7 @@ void InvMainPage::AddStockLinks() {
     AddLink("itemreceivelist", "Receiving history", "What came in, and from whom");
     AddLink("itemselllist", "Sales history", "What went out, and to whom");
     AddLink("transferlist", "Transfers", "What moves between locations, and how far it has come");
+    AddLink("reports", "Reports", "Stock and its value, low stock, backorders, sales and profit");
 }
 
 void InvMainPage::AddTradeLinks() {
