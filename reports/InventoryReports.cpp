@@ -1,8 +1,8 @@
 #include "reports/InventoryReports.h"
 
 #include <algorithm>
-#include <numeric>
 #include <optional>
+#include <utility>
 
 #include "platform/CaseFolding.h"
 #include "reports/LMoneyTotal.h"
@@ -91,65 +91,132 @@ constexpr LStockCell kSupplierCells[] = {kItem,     kDescription, kLocation, kCa
 constexpr LInventoryLayout kSupplier{"Inventory Report by Default Supplier", kSupplierColumns,
                                      kSupplierCells, LStockGroup::kSupplier};
 
-const std::string& OrNone(const std::string& name, const std::string& none) {
-    return name.empty() ? none : name;
-}
+std::string OrNone(const std::string& name, const char* none) { return name.empty() ? none : name; }
 
-std::string GroupName(const LStockLine& line, LStockGroup group) {
-    static const std::string kNoLocation = "(no location)", kNoCategory = "(no category)",
-                             kNoSupplier = "(no supplier)";
-    switch (group) {
-        case LStockGroup::kLocation:
-            return OrNone(line.location, kNoLocation);
-        case LStockGroup::kCategory:
-            return OrNone(line.category, kNoCategory);
-        case LStockGroup::kSupplier:
-            return OrNone(line.supplier, kNoSupplier);
-        case LStockGroup::kLocationAndCategory:
-            break;
-    }
-    return OrNone(line.location, kNoLocation) + ", " + OrNone(line.category, kNoCategory);
-}
+// What the lines are grouped by: a location, and a category or a supplier, by their numbers.
+struct LGroupKey {
+    size_t location = 0, other = 0;
+    friend bool operator==(const LGroupKey&, const LGroupKey&) = default;
+};
 
-// What orders the lines: each text ends with a byte that sorts before all others.
-std::string SortKey(const LStockLine& line, LStockGroup group) {
-    constexpr char kEnd = '\0';
-    std::string key;
-    if (group == LStockGroup::kSupplier) key += FoldCase(line.supplier) + kEnd;
-    if (group == LStockGroup::kCategory) key += FoldCase(line.category) + kEnd;
-    if (group == LStockGroup::kLocation) key += FoldCase(line.location) + kEnd;
-    if (group == LStockGroup::kLocationAndCategory) {
-        key += FoldCase(line.location) + kEnd + FoldCase(line.category) + kEnd;
+// The lines of a report in their order, each with its group.
+class LGroupedLines {
+public:
+    struct LPlace {
+        size_t group, item, location;  // their ranks
+        size_t line;
+        bool operator<(const LPlace& other) const {
+            if (group != other.group) return group < other.group;
+            if (item != other.item) return item < other.item;
+            return location < other.location;
+        }
+    };
+
+    LGroupedLines(const LStockLines& stock, LStockGroup group) : stock_(stock), group_(group) {
+        RankNames();
+        const std::vector<size_t> itemRanks = RankItems();
+        places_.reserve(stock.lines.size());
+        for (size_t i = 0; i < stock.lines.size(); ++i) {
+            const LStockLine& line = stock.lines[i];
+            const LGroupKey key = KeyOf(line);
+            const size_t count = stock.names.Count();
+            places_.push_back({nameRanks_[key.location] * count + nameRanks_[key.other],
+                               itemRanks[line.item], nameRanks_[line.location], i});
+        }
+        std::stable_sort(places_.begin(), places_.end());
     }
-    key += FoldCase(GroupName(line, group)) + kEnd + GroupName(line, group) + kEnd;
-    return key + FoldCase(line.code) + kEnd + FoldCase(line.location);
-}
+
+    const std::vector<LPlace>& Places() const { return places_; }
+
+    std::string GroupName(const LStockLine& line) const {
+        const LStockItem& item = stock_.items[line.item];
+        const std::string location = OrNone(stock_.names.Name(line.location), "(no location)");
+        const std::string category = OrNone(stock_.names.Name(item.category), "(no category)");
+        switch (group_) {
+            case LStockGroup::kLocation:
+                return location;
+            case LStockGroup::kCategory:
+                return category;
+            case LStockGroup::kSupplier:
+                return OrNone(stock_.names.Name(item.supplier), "(no supplier)");
+            case LStockGroup::kLocationAndCategory:
+                break;
+        }
+        return location + ", " + category;
+    }
+
+private:
+    LGroupKey KeyOf(const LStockLine& line) const {
+        const LStockItem& item = stock_.items[line.item];
+        switch (group_) {
+            case LStockGroup::kLocation:
+                return {line.location, line.location};
+            case LStockGroup::kCategory:
+                return {item.category, item.category};
+            case LStockGroup::kSupplier:
+                return {item.supplier, item.supplier};
+            case LStockGroup::kLocationAndCategory:
+                break;
+        }
+        return {line.location, item.category};
+    }
+
+    // Texts are folded once each, not once for every comparison or line.
+    template <typename TextOf>
+    static std::vector<size_t> Rank(size_t count, TextOf&& textOf) {
+        std::vector<std::pair<std::string, size_t>> sorted;
+        sorted.reserve(count);
+        for (size_t i = 0; i < count; ++i) sorted.emplace_back(FoldCase(textOf(i)), i);
+        std::sort(sorted.begin(), sorted.end());
+        std::vector<size_t> ranks(count);
+        for (size_t rank = 0; rank < count; ++rank) ranks[sorted[rank].second] = rank;
+        return ranks;
+    }
+    void RankNames() {
+        nameRanks_ = Rank(stock_.names.Count(),
+                          [&](size_t i) -> const std::string& { return stock_.names.Name(i); });
+    }
+    std::vector<size_t> RankItems() const {
+        return Rank(stock_.items.size(),
+                    [&](size_t i) -> const std::string& { return stock_.items[i].code; });
+    }
+
+    const LStockLines& stock_;
+    const LStockGroup group_;
+    std::vector<size_t> nameRanks_;
+    std::vector<LPlace> places_;
+};
 
 struct LStockSum {
     explicit LStockSum(int digits) : amount(digits) {}
     double quantity = 0;
     LMoneyTotal amount;
-    void Add(const LStockLine& line) {
-        quantity += line.quantity;
-        amount.Add(LineAmount(line.quantity, line.cost));
+    void Add(double lineQuantity, const LMoney& lineTotal) {
+        quantity += lineQuantity;
+        amount.Add(lineTotal);
     }
 };
 
 // Fills the rows of one report.
 class LRowFormat {
 public:
-    LRowFormat(const LProfile& profile, const LInventoryLayout& layout)
-        : profile_(profile), layout_(layout) {}
+    LRowFormat(const LProfile& profile, const LInventoryLayout& layout, const LStockLines& stock)
+        : profile_(profile), layout_(layout), stock_(stock) {}
 
-    void Fill(LReportRow& row, const LStockLine& line) const {
-        row.itemId = line.itemId;
-        row.hasPicture = line.hasPicture;
-        for (size_t i = 0; i < row.cells.size(); ++i) row.cells[i] = Cell(line, layout_.cells[i]);
+    void Fill(LReportRow& row, const LStockLine& line, const LMoney& lineTotal) const {
+        const LStockItem& item = stock_.items[line.item];
+        row.itemId = item.id;
+        row.hasPicture = item.hasPicture;
+        for (size_t i = 0; i < row.cells.size(); ++i) {
+            row.cells[i] = Cell(line, item, lineTotal, layout_.cells[i]);
+        }
     }
     void FillSum(LReportRow& row, const std::string& label, const LStockSum& sum) const {
         row.cells.front() = label;
         for (size_t i = 0; i < row.cells.size(); ++i) {
-            if (layout_.cells[i] == kQuantity) row.cells[i] = Quantity(sum.quantity);
+            if (layout_.cells[i] == kQuantity) {
+                row.cells[i] = profile_.FormatQuantity(sum.quantity);
+            }
             if (layout_.cells[i] == kLineTotal) {
                 row.cells[i] = profile_.FormatMoney(sum.amount.Total());
             }
@@ -157,44 +224,33 @@ public:
     }
 
 private:
-    std::string Quantity(double quantity) const { return profile_.FormatQuantity(quantity); }
-    std::string Cell(const LStockLine& line, LStockCell cell) const {
+    std::string Cell(const LStockLine& line, const LStockItem& item, const LMoney& lineTotal,
+                     LStockCell cell) const {
         switch (cell) {
             case kItem:
-                return line.code;
+                return item.code;
             case kDescription:
-                return line.description;
+                return item.description;
             case kLocation:
-                return line.location;
+                return stock_.names.Name(line.location);
             case kCategory:
-                return line.category;
+                return stock_.names.Name(item.category);
             case kQuantity:
-                return Quantity(line.quantity);
+                return profile_.FormatQuantity(line.quantity);
             case kCost:
-                return profile_.FormatMoney(line.cost);
+                return profile_.FormatMoney(item.cost);
             case kPrice:
-                return profile_.FormatMoney(line.price);
+                return profile_.FormatMoney(item.price);
             case kLineTotal:
                 break;
         }
-        return profile_.FormatMoney(LineAmount(line.quantity, line.cost));
+        return profile_.FormatMoney(lineTotal);
     }
 
     const LProfile& profile_;
     const LInventoryLayout& layout_;
+    const LStockLines& stock_;
 };
-
-// Places of the lines in the order of the report.
-std::vector<size_t> SortedPlaces(const std::vector<LStockLine>& lines, LStockGroup group) {
-    std::vector<std::string> keys;
-    keys.reserve(lines.size());
-    for (const LStockLine& line : lines) keys.push_back(SortKey(line, group));
-    std::vector<size_t> places(lines.size());
-    std::iota(places.begin(), places.end(), size_t{0});
-    std::stable_sort(places.begin(), places.end(),
-                     [&](size_t left, size_t right) { return keys[left] < keys[right]; });
-    return places;
-}
 
 }  // namespace
 
@@ -203,30 +259,33 @@ LInventoryReport::LInventoryReport(const LProfile& profile, const LInventoryLayo
 
 void LInventoryReport::GenerateReport() {
     Clear();
-    const LRowFormat format(Profile(), layout_);
-    const auto lines = ReadStockLines(Profile(), choice_, layout_.detail);
+    const LStockLines stock = ReadStockLines(Profile(), choice_, layout_.detail);
+    const LRowFormat format(Profile(), layout_, stock);
+    const LGroupedLines grouped(stock, layout_.group);
     const int digits = Profile().CurrencyDigits();
     LStockSum total(digits), subtotal(digits);
-    std::optional<std::string> group;
+    std::optional<size_t> group;
+    std::string groupName;
     const auto endGroup = [&] {
         if (!group) return;
-        format.FillSum(AddRow(LReportRowKind::kSubtotal), "Total " + *group, subtotal);
+        format.FillSum(AddRow(LReportRowKind::kSubtotal), "Total " + groupName, subtotal);
         subtotal = LStockSum(digits);
     };
-    for (const size_t place : SortedPlaces(lines, layout_.group)) {
-        const LStockLine& line = lines[place];
-        std::string name = GroupName(line, layout_.group);
-        if (group != name) {
+    for (const LGroupedLines::LPlace& place : grouped.Places()) {
+        const LStockLine& line = stock.lines[place.line];
+        if (group != place.group) {
             endGroup();
-            group = std::move(name);
-            AddRow(LReportRowKind::kGroup).cells.front() = *group;
+            group = place.group;
+            groupName = grouped.GroupName(line);
+            AddRow(LReportRowKind::kGroup).cells.front() = groupName;
         }
-        format.Fill(AddRow(), line);
-        subtotal.Add(line);
-        total.Add(line);
+        const LMoney lineTotal = LineAmount(line.quantity, stock.items[line.item].cost);
+        format.Fill(AddRow(), line, lineTotal);
+        subtotal.Add(line.quantity, lineTotal);
+        total.Add(line.quantity, lineTotal);
     }
     endGroup();
-    if (!lines.empty()) format.FillSum(AddRow(LReportRowKind::kTotal), "Total", total);
+    if (group) format.FillSum(AddRow(LReportRowKind::kTotal), "Total", total);
 }
 
 LReportInventoryLocCat::LReportInventoryLocCat(const LProfile& profile)

@@ -19,7 +19,7 @@ public:
           categories_(profile, "Categories"),
           buildable_(profile) {}
 
-    std::vector<LStockLine> Read() {
+    LStockLines Read() {
         LItem item;
         const auto iterator = profile_.Items().CreateIteratorBase(item);
         for (; item.IsBound(); iterator->Next(item)) {
@@ -28,7 +28,7 @@ public:
             if (!ReportWants(choice_.supplier, item.GetView("Supplier"))) continue;
             ReadItem(item, category);
         }
-        return std::move(lines_);
+        return std::move(result_);
     }
 
 private:
@@ -36,45 +36,53 @@ private:
         const LStockEntries entries =
             item.IsBuilt() ? buildable_.Of(item)
                            : ParseLocationAndQuantities(item.GetView("LocationsAndQuantities"));
-        if (detail_ == LStockLineDetail::kByItem) return AddItem(item, category, entries);
-        for (const LocationAndQuantities& entry : entries) {
-            const std::string_view location = locations_.Name(entry.location);
-            if (!ReportWants(choice_.location, location)) continue;
-            LStockLine& line = AddLine(item, category);
-            line.location = location;
-            line.quantity = entry.quantity;
+        const size_t linesBefore = result_.lines.size(), place = result_.items.size();
+        if (detail_ == LStockLineDetail::kByItem) {
+            LStockLine& line = result_.lines.emplace_back(LStockLine{place, NumberOf(""), 0});
+            for (const LocationAndQuantities& entry : entries) line.quantity += entry.quantity;
+        } else {
+            for (const LocationAndQuantities& entry : entries) {
+                const std::string_view location = locations_.Name(entry.location);
+                if (!ReportWants(choice_.location, location)) continue;
+                result_.lines.push_back({place, NumberOf(location), entry.quantity});
+            }
+        }
+        if (result_.lines.size() > linesBefore) AddItem(item, category);
+    }
+
+    void AddItem(const LItem& item, std::string_view category) {
+        LStockItem& added = result_.items.emplace_back();
+        added.id = item.GetPrimaryKey();
+        added.code = item.GetView("Name");
+        added.description = item.GetView("Description");
+        added.category = NumberOf(category);
+        added.supplier = NumberOf(item.GetView("Supplier"));
+        added.cost = item.Cost();
+        added.price = item.Price();
+        if (detail_ == LStockLineDetail::kByItem) {
+            added.hasPicture = !GetItemPictureFile(profile_, item).empty();
         }
     }
 
-    void AddItem(const LItem& item, std::string_view category, const LStockEntries& entries) {
-        LStockLine& line = AddLine(item, category);
-        line.hasPicture = !GetItemPictureFile(profile_, item).empty();
-        for (const LocationAndQuantities& entry : entries) line.quantity += entry.quantity;
-    }
-
-    LStockLine& AddLine(const LItem& item, std::string_view category) {
-        LStockLine& line = lines_.emplace_back();
-        line.itemId = item.GetPrimaryKey();
-        line.code = item.GetView("Name");
-        line.description = item.GetView("Description");
-        line.category = category;
-        line.supplier = item.GetView("Supplier");
-        line.cost = item.Cost();
-        line.price = item.Price();
-        return line;
-    }
+    size_t NumberOf(std::string_view name) { return result_.names.Add(name); }
 
     const LProfile& profile_;
     const LStockLineChoice& choice_;
     const LStockLineDetail detail_;
     const LNameMap locations_, categories_;
     LBuildableStock buildable_;
-    std::vector<LStockLine> lines_;
+    LStockLines result_;
 };
 
 }  // namespace
 
-std::vector<LStockLine> ReadStockLines(const LProfile& profile, const LStockLineChoice& choice,
-                                       LStockLineDetail detail) {
+size_t LNameNumbers::Add(std::string_view name) {
+    const auto [place, isNew] = numbers_.try_emplace(std::string(name), names_.size());
+    if (isNew) names_.emplace_back(name);
+    return place->second;
+}
+
+LStockLines ReadStockLines(const LProfile& profile, const LStockLineChoice& choice,
+                           LStockLineDetail detail) {
     return LStockLineReader(profile, choice, detail).Read();
 }

@@ -95,10 +95,20 @@ private:
             row.SetClass("group");
             return;
         }
-        for (size_t i = 0; i < line.cells.size(); ++i) AddCell(row, line, i);
+        size_t first = 0;
+        if (line.kind != LReportRowKind::kRow) first = AddLabel(row, line);
+        for (size_t i = first; i < line.cells.size(); ++i) AddCell(row, line, i);
         if (isWithPictures_) AddPicture(row, line);
         if (line.kind == LReportRowKind::kSubtotal) row.SetClass("subtotal");
         if (line.kind == LReportRowKind::kTotal) row.SetClass("total");
+    }
+
+    // What a sum is of takes the room of the empty cells after it. Returns the next cell.
+    static size_t AddLabel(LHtmlListRow& row, const LReportRow& line) {
+        size_t next = 1;
+        while (next < line.cells.size() && line.cells[next].empty()) ++next;
+        row.SpanNext(next).AddCell(line.cells.front());
+        return next;
     }
 
     void AddCell(LHtmlListRow& row, const LReportRow& line, size_t index) const {
