@@ -122,6 +122,32 @@ TEST(LThread, AStopRequestBeforeTheStartIsNotLost) {
     EXPECT_EQ(thread.runs, 1);
 }
 
+TEST(LThread, IsRaisedAndLoweredWhileItRuns) {
+    struct LPriorityThread final : LThread {
+        LPriorityThread() : LThread("priority") {}
+        ~LPriorityThread() override { StopAndJoin(); }
+        void ThreadFunction() override {
+            while (!IsStopRequested()) {
+                seen = PriorityOfCaller();
+                StopSignal().Wait(1);
+            }
+        }
+        bool Becomes(int priority) const {
+            for (int i = 0; i < 5000 && seen != priority; ++i) {
+                std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            }
+            return seen == priority;
+        }
+        std::atomic<int> seen{0};
+    } thread;
+    ASSERT_TRUE(thread.Start(kThreadPriorityBehind));
+    EXPECT_TRUE(thread.Becomes(kThreadPriorityBehind));
+    thread.SetPriority(LThread::PriorityOfCaller());
+    EXPECT_TRUE(thread.Becomes(kThreadPriorityNormal)) << "no rights are needed for that";
+    thread.SetPriority(kThreadPriorityBehind);
+    EXPECT_TRUE(thread.Becomes(kThreadPriorityBehind));
+}
+
 TEST(LDetachedThreadGroup, StopAllReturnsWhenEveryMemberIsDestroyed) {
     LRecord record;
     LDetachedThreadGroup group;
