@@ -163,6 +163,16 @@ std::string LTransfer::ToName(const LProfile& profile) const {
     return LocationName(profile, *this, "To", "ToName");
 }
 
+std::string LTransfer::FromName(const LNameMap& locations) const {
+    const std::string_view name = locations.Name(GetView("From"));
+    return name.empty() ? GetString("FromName") : std::string(name);
+}
+
+std::string LTransfer::ToName(const LNameMap& locations) const {
+    const std::string_view name = locations.Name(GetView("To"));
+    return name.empty() ? GetString("ToName") : std::string(name);
+}
+
 LTransferError LTransferRequest(const LProfile& profile, LTransfer& transfer,
                                 const LTransferInput& input, const LTransferStep& step) {
     const LMovementLock lock(profile);

@@ -7,6 +7,7 @@
 
 #include "datastore/LDate.h"
 #include "datastore/LProfile.h"
+#include "inventory/LNameMap.h"
 #include "platform/LUserInterface.h"
 
 // Requested -> sent -> received. A requested or a sent one can be cancelled.
@@ -32,6 +33,9 @@ public:
     // The locations' names of now, or where one is gone the name that it had.
     std::string FromName(const LProfile& profile) const;
     std::string ToName(const LProfile& profile) const;
+    // The same for a list of transfers, from the names of all locations.
+    std::string FromName(const LNameMap& locations) const;
+    std::string ToName(const LNameMap& locations) const;
 };
 class LTransferList : public LAppDataBaseList<LTransfer> {
 public:

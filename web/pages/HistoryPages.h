@@ -12,7 +12,7 @@ public:
     void Open() override;
 
 protected:
-    // The operation of HistoryDelete.h that belongs to this history.
+    // With the operation that belongs to this history.
     virtual void DeleteRow(LUserInterface& ui, const LHistoryRowId& row) = 0;
     // The form that the rows' buttons belong to; it carries the filter back.
     void PrintDeleteForm();

@@ -25,20 +25,22 @@ void ReceivePicture(LWebletForm& form) {
     LWebPostFileReceive(form, form.PostFiles(), kMaxUploadBytes);
 }
 
-// The item's picture itself; an empty picture file where there is none.
+std::string PictureOf(LWebletForm& form) {
+    LItem item;
+    if (!form.Profile().Items().Open(item, form.Parameter("id"))) return {};
+    const std::string file = GetItemPictureFile(form.Profile(), item);
+    return file.ends_with(".bmp") ? ReadFile(file).value_or("") : std::string();
+}
+
 void WLItemPicture(LWebletForm& form) {
     if (!AuthenticateAction(form)) return;
-    LItem item;
-    std::string bytes;
-    if (form.Profile().Items().Open(item, form.Parameter("id"))) {
-        const std::string file = GetItemPictureFile(form.Profile(), item);
-        if (file.ends_with(".bmp")) bytes = ReadFile(file).value_or("");
-    }
+    const std::string picture = PictureOf(form);
     LPageWriter(form)
-        .Write(
-            "HTTP/1.1 200 OK\r\nConnection: close\r\nCache-Control: private, no-cache\r\n"
-            "Content-Type: image/bmp\r\n\r\n")
-        .Write(bytes);
+        .Printf(
+            "HTTP/1.1 %s\r\nConnection: close\r\nCache-Control: private, no-cache\r\n"
+            "Content-Type: image/bmp\r\n\r\n",
+            picture.empty() ? "404 Not Found" : "200 OK")
+        .Write(picture);
 }
 
 }  // namespace
@@ -335,7 +337,9 @@ void LAppWebItemBOMDialog::GenerateTab(const LHashTable& fields) {
     for (LItemLineText& line : lines) line.note = ComponentNote(Profile(), line.code);
     AddItemLines(*this, Script(), Profile(), kItemComponents, lines);
     StartRow().AddStaticSmall(
-        "A built item keeps no stock of its own: selling or receiving it moves its components.");
+        "A built item keeps no stock of its own: selling or receiving it moves its components. "
+        "What "
+        "the item had in stock before is dropped.");
     EndGroupBox();
     // Who enters a component means it.
     Script().AddStartUp(

@@ -63,6 +63,7 @@ void LWebTransferListPage::PrintBody() {
     table.SetSort(0, false);
     table.SetName("Transfers");
     table.SetEmptyText("There are no transfers here. Make one to move stock between locations.");
+    const LNameMap locations(Profile(), "Locations");
     LTransferList(Profile()).ForEach([&](const LTransfer& transfer) {
         const std::string_view name = TransferStateName(transfer.State());
         if (!state.empty() && state != "All" && state != name) return true;
@@ -73,8 +74,8 @@ void LWebTransferListPage::PrintBody() {
                                    WLMakeLink("transferview", {{"id", id}}), id);
         row.AddCellPrintFWithOrder(name, transfer.IsOpen() ? "<span class=badge>%H</span>" : "%H",
                                    name);
-        row.AddCell(transfer.FromName(Profile()));
-        row.AddCell(transfer.ToName(Profile()));
+        row.AddCell(transfer.FromName(locations));
+        row.AddCell(transfer.ToName(locations));
         row.AddCell(LinesText(Profile(), transfer.Lines()));
         row.AddCellWithOrder(ShownDate(Profile(), day), day);
         row.AddCell(SingleLine(transfer.GetView("Note")));
