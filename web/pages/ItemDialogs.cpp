@@ -206,8 +206,11 @@ void LAppWebItemDialog::GeneratePicture(const LHashTable& fields) {
     }
     std::string name, path;
     LInputOptions look;
-    if (GetChosenPicture(name, path)) name = "Chosen: " + name;
-    look.hint = name.empty() ? "It is kept small: 120 by 72 pixels at most" : name;
+    look.hint = "It is kept small: 120 by 72 pixels at most";
+    if (GetChosenPicture(name, path)) {
+        name = "Chosen: " + name;
+        look.hint = name;
+    }
     StartRow().AddStatic("New picture").AddFileInput(kItemPicture, "image/*", look);
 }
 
