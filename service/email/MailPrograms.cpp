@@ -7,13 +7,12 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
-#include <cstdlib>
 #include <cstring>
 
+#include "platform/ChildProgram.h"
 #include "platform/LFileDescriptor.h"
 #include "platform/PollDeadline.h"
 
@@ -25,18 +24,13 @@ constexpr int kTryAgainLater = 75;  // EX_TEMPFAIL of the mail programs
 constexpr char kSendMail[] = "sendmail";
 constexpr char kDesktopMail[] = "xdg-email";
 
-// The full path of an executable program; empty when there is none.
+// Empty when there is none. Mail programs often lie where only administrators look.
 std::string FindProgram(const std::string& name) {
-    const char* const path = std::getenv("PATH");
-    std::string folders = path == nullptr ? "" : path;
-    folders += ":/usr/sbin:/usr/lib:/usr/bin";
-    for (size_t start = 0; start <= folders.size();) {
-        const size_t end = std::min(folders.find(':', start), folders.size());
-        const std::string file = folders.substr(start, end - start) + "/" + name;
-        if (end > start && ::access(file.c_str(), X_OK) == 0) return file;
-        start = end + 1;
+    std::string path = FindOnPath(name);
+    for (const char* folder : {"/usr/sbin/", "/usr/lib/"}) {
+        if (path.empty() && ::access((folder + name).c_str(), X_OK) == 0) path = folder + name;
     }
-    return {};
+    return path;
 }
 
 // What a child is started with; gives the system's structures back.
