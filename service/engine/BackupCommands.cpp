@@ -1,70 +1,30 @@
 #include "service/engine/BackupCommands.h"
 
-#include <signal.h>
-#include <sys/socket.h>
-
-#include <cerrno>
-#include <chrono>
-#include <filesystem>
-#include <thread>
-
 #include "datastore/Backup.h"
 #include "datastore/BackupContents.h"
-#include "datastore/LBackgroundService.h"
-#include "service/control/LNamedPipeRef.h"
-#include "service/control/LServiceControl.h"
-#include "service/control/LServiceEngineProxy.h"
-#include "service/control/LServiceMessageHeader.h"
+#include "service/agent/AgentBackgroundService.h"
 
 namespace {
 
-// The service as it is reached through its control pipe.
-class LPipedService final : public LBackgroundService {
+// Tells on the way what happens to the service.
+class LToldService final : public LBackgroundService {
 public:
-    explicit LPipedService(std::ostream& out) : out_(out) {}
+    explicit LToldService(std::ostream& out) : out_(out) {}
 
-    bool IsRunning() override { return ProcessId() > 0; }
-
+    bool IsRunning() override { return service_.IsRunning(); }
     bool Stop() override {
-        const pid_t id = ProcessId();
-        if (id <= 0) return true;
-        LServiceEngineProxyTemporary proxy;
-        if (!proxy.Start() || proxy.ControlWithResult(kServiceStopSoon) == 0) return false;
-        proxy.Stop();
-        const bool hasEnded = WaitForEnd(id);
-        if (hasEnded) out_ << "The service was stopped.\n";
+        const bool hasEnded = service_.Stop();
+        out_ << (hasEnded ? "The service was stopped.\n" : "The service does not stop.\n");
         return hasEnded;
     }
-
     bool Start() override {
-        if (const auto& startSoon = GetServiceLauncher().startSoon) startSoon();
-        const bool runs = IsRunning();
+        const bool runs = service_.Start();
         out_ << (runs ? "The service runs again.\n" : "Please start the service again.\n");
         return runs;
     }
 
 private:
-    // Of whoever listens at the pipe; 0 for nobody.
-    static pid_t ProcessId() {
-        const LFileDescriptor pipe =
-            LNamedPipeRef::Open(LNamedPipeRef::MakeFilePath(kServicePipeName));
-        ucred peer{};
-        socklen_t size = sizeof peer;
-        if (!pipe.IsOpen()) return 0;
-        return ::getsockopt(pipe.Get(), SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0 ? peer.pid : 0;
-    }
-
-    static bool WaitForEnd(pid_t id) {
-        constexpr auto kPatience = std::chrono::seconds(60);
-        constexpr auto kPause = std::chrono::milliseconds(50);
-        const auto end = std::chrono::steady_clock::now() + kPatience;
-        while (::kill(id, 0) == 0 || errno == EPERM) {
-            if (std::chrono::steady_clock::now() > end) return false;
-            std::this_thread::sleep_for(kPause);
-        }
-        return true;
-    }
-
+    LAgentBackgroundService service_;
     std::ostream& out_;
 };
 
@@ -122,7 +82,7 @@ std::string LBackupFromCommandLine(const std::string& destination, std::ostream&
 
 std::string LRestoreFromCommandLine(const std::string& folder, std::ostream& out) {
     LCommandLineUser user(folder, out);
-    LPipedService service(out);
+    LToldService service(out);
     std::string problem;
     const bool wasGood = LRestoreFolder(user, service, folder, [&](const std::string& chosen) {
         const LBackupContents contents = ReadBackupContents(chosen);
