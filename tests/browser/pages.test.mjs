@@ -73,11 +73,11 @@ async function sortByKeyboard(page, shop) {
 
 // The whole page table: nothing it names is met with a bare 404.
 async function everyNameAnswers(page, shop) {
-    const names = ['orderschedule', 'generateOrderPDF', 'generateTransferPDF'];
+    const names = ['transferlist', 'transferview', 'orderprop', 'reports', 'reportlocation', 'itemtransfer',
+        'itembomprop', 'uploadProgress', 'saveItemDialogTab', 'getsubcate', 'orderschedule', 'generateOrderPDF', 'link-sync', 'customerotherprop'];
     for (const name of names) {
-        const answer = await page.goto(shop.url + name);
-        assert.equal(answer.status(), 200, name);
-        assert.match(await page.innerText('body'), /This page is not part of this version yet\./, name);
+        const answer = await page.context().request.get(shop.url + name);
+        assert.notEqual(answer.status(), 404, name);
     }
 }
 
@@ -99,7 +99,7 @@ export default async function pages({ test, browser, executable, shots }) {
         await test('every page is titled and labelled', () => everyPage(page, shop, 1280, shots));
         await test('filters keep what they promise', () => filterAndFind(page, shop));
         await test('a column is sorted by keyboard, both ways', () => sortByKeyboard(page, shop));
-        await test('every planned page says kindly that it is not there yet', () => everyNameAnswers(page, shop));
+        await test('every name of the page table is answered', () => everyNameAnswers(page, shop));
         const phone = await openWindow(browser, PHONE, 844);
         await phone.goto(shop.url + 'logon');
         await shoot(phone, shots, `logon-${PHONE}`);

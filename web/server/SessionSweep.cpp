@@ -10,9 +10,11 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cstring>
 #include <limits>
 #include <memory>
+#include <utility>
 
 #include "platform/LFileDescriptor.h"
 #include "platform/LMutex.h"
@@ -64,7 +66,23 @@ public:
         SweepAll(folder, now);
     }
 
+    bool SweepWatched() {
+        if (isBusy_.test_and_set()) return true;
+        const bool done = LookAtWatch(std::time(nullptr));
+        isBusy_.clear();
+        return done;
+    }
+
 private:
+    bool LookAtWatch(std::time_t now) {
+        const LMutexLock lock(mutex_);
+        if (watch_.IsOpen() && TakeEvents(now)) {
+            if (now >= nextDue_) SweepAll(folder_, now);
+            return true;
+        }
+        return std::exchange(lastUnwatched_, now) == now;
+    }
+
     struct LFolderClose {
         void operator()(DIR* folder) const { ::closedir(folder); }
     };
@@ -120,13 +138,20 @@ private:
         }
     }
 
+    std::atomic_flag isBusy_;  // a request without a session looks at the watch
     LMutex mutex_;
+    std::time_t lastUnwatched_ L_GUARDED_BY(mutex_) = 0;  // asked for without a watch
     std::string folder_ L_GUARDED_BY(mutex_);
     dev_t device_ L_GUARDED_BY(mutex_) = 0;
     ino_t inode_ L_GUARDED_BY(mutex_) = 0;
     LFileDescriptor watch_ L_GUARDED_BY(mutex_);
     std::time_t nextDue_ L_GUARDED_BY(mutex_) = 0;  // the next file that the watch knows of
 };
+
+LSessionSweeper& Sweeper() {
+    static LSessionSweeper sweeper;
+    return sweeper;
+}
 
 }  // namespace
 
@@ -137,7 +162,6 @@ std::time_t SessionDueTime(std::string_view name, std::time_t changed) {
                                  : changed + kSessionSeconds + 1;
 }
 
-void SweepSessionFiles(const std::string& folder) {
-    static LSessionSweeper sweeper;
-    sweeper.Sweep(folder);
-}
+void SweepSessionFiles(const std::string& folder) { Sweeper().Sweep(folder); }
+
+bool SweepWatchedSessionFiles() { return Sweeper().SweepWatched(); }

@@ -12,3 +12,8 @@ std::time_t SessionDueTime(std::string_view name, std::time_t changed);
 // Deletes every "*.sess" file in `folder` that is due. Any thread, before every session is loaded.
 // The folder is watched where the system can, so that usually nothing need be listed.
 void SweepSessionFiles(const std::string& folder);
+
+// The same for a request that names no session, in one system call: of the folder that was swept
+// last, when that is being watched. False, at most once a second, when it is not: then
+// SweepSessionFiles has to do it.
+[[nodiscard]] bool SweepWatchedSessionFiles();

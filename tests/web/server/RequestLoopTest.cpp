@@ -3,11 +3,13 @@
 #include <sys/socket.h>
 
 #include <array>
+#include <filesystem>
 
 #include "tests/web/server/LTestServer.h"
 #include "web/server/LWebletConnection.h"
 #include "web/server/LWebletForm.h"
 #include "web/server/LWebletScripts.h"
+#include "web/server/LWebletSessionData.h"
 #include "web/server/ServeFile.h"
 #include "web/server/StandardAnswers.h"
 #include "web/server/WebletOutput.h"
@@ -205,6 +207,19 @@ TEST_F(RequestLoop, KeepsTheConnectionWhereItMay) {
                   row.isKept)
             << row.why << "\n"
             << answers;
+    }
+}
+
+TEST_F(RequestLoop, EveryRequestSweepsExpiredSessions) {
+    const std::string path = LWebletSessionData::Folder() + "/sold.sess";
+    for (const char* when : {"at first", "while the folder is watched"}) {
+        server.home.WriteFile("data/Quillmarsh/Shared/SessionData/sold.sess", "a=b");
+        std::filesystem::last_write_time(
+            path, std::filesystem::file_time_type::clock::now() - std::chrono::hours(8 * 24));
+        EXPECT_TRUE(Eventually([&] {
+            server.Ask(Get("/a.css"));
+            return !std::filesystem::exists(path);
+        })) << when;
     }
 }
 
