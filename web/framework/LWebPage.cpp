@@ -7,6 +7,7 @@ void LWebPage::Open() {
     Generate();
     if (Form().HasAnswered()) return;
     PrintHeader();
+    Out().Flush();  // the browser fetches styles while the body is still being made
     PrintBody();
     PrintFooter();
 }
@@ -29,7 +30,6 @@ void LWebPage::PrintHeader() {
     }
     WLStandardHeader(Out(), Form(), links, title_, Form().Session().GetString("user"), Style());
     WLStartContent(Out(), Form(), title_);
-    Out().Flush();  // the browser fetches styles while the body is still being made
 }
 
 void LWebPage::PrintFooter() {
