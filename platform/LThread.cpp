@@ -133,8 +133,8 @@ std::unique_ptr<LDetachedThread> LDetachedThreadGroup::Take(const LDetachedThrea
 
 void LDetachedThreadGroup::DestroyTaken(std::unique_ptr<LDetachedThread> thread) {
     thread.reset();
-    // Told inside the lock, and nothing touched after it: a waiting destructor goes on at once. Only
-    // by the last, or the one that waits would be woken by each of thousands.
+    // Told inside the lock, and nothing touched after it: a waiting destructor goes on at once.
+    // Only by the last, or the one that waits would be woken by each of thousands.
     const LRecursiveMutexLock lock(mutex_);
     --taken_;
     if (members_.size() + taken_ == 0) ended_.notify_all();
