@@ -62,7 +62,7 @@ LOrderError SaveAs(const LProfile& profile, LOrderInput& input, const LOrderRead
     LPOrder order;
     const bool isNew = input.id.empty() || !list.Open(order, input.id);
     LOrderWriter writer(profile, input, read, isNew ? LTaxRates::kPresent : rates);
-    LOrderError error = writer.CheckTotals(order);
+    LOrderError error = writer.Check(order);
     if (!error.IsNone()) return error;
     const auto create = isDraft ? LOrderCreateDraft : LOrderCreateRecurring;
     if (isNew && !create(profile, order)) return NotSaved();
@@ -95,7 +95,7 @@ LOrderError Record(const LProfile& profile, LOrderInput& input, const LOrderRead
     LPOrder order;
     LOrderError error = OpenToRecord(profile, input, seenStatus, order);
     LOrderWriter writer(profile, input, read, rates);
-    if (error.IsNone()) error = writer.CheckTotals(order);
+    if (error.IsNone()) error = writer.Check(order);
     if (!error.IsNone()) return error;
     const bool isNew = !order.IsBound();
     if (isNew && !LOrderCreateDraft(profile, order)) return NotSaved();

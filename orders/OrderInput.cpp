@@ -50,6 +50,17 @@ LOrderLineInput LineInputOf(const LProfile& profile, const LTaxOptions& options,
     return input;
 }
 
+// A mangled count promises lines that were never stored.
+int StoredLineCount(const LPOrder& order) {
+    int count = order.GetItemCount();
+    const auto isStored = [&](int line) {
+        return order.TestFieldExists(LOrderLineField(line + 1, "ID")) ||
+               order.TestFieldExists(LOrderLineField(line + 1, "Qty"));
+    };
+    while (count > 0 && !isStored(count - 1)) --count;
+    return count;
+}
+
 LOrderError Complain(LOrderField field, std::string message, std::string title = {},
                      int line = -1) {
     LOrderError error;
@@ -191,7 +202,8 @@ LOrderInput LOrderInputOf(const LProfile& profile, const LPOrder& order) {
     input.isSameAsBillTo = order.GetBool("SameAsBillTo", false);
     input.isNotTaxed = order.GetInt("TaxRate", 0) == kOrderNotTaxed;
     const LTaxOptions options(profile);
-    for (int line = 0; line < order.GetItemCount(); ++line) {
+    const int lines = StoredLineCount(order);
+    for (int line = 0; line < lines; ++line) {
         input.lines.push_back(LineInputOf(profile, options, order, line));
     }
     return input;

@@ -47,11 +47,15 @@ LNewOrderItem ItemOfLine(const LProfile& profile, const LTaxOptions& options, co
 
 void LOrderItems::ReadAll() {
     keys_.emplace();
+    LItemKeysByCode byCode;
     LItem item;
     const auto iterator = profile_.Items().CreateIteratorBase(item);
     for (; item.IsBound(); iterator->Next(item)) {
-        keys_->emplace(FoldCase(item.GetView("Name")), item.GetPrimaryKey());
+        const std::string_view code = item.GetView("Name");
+        keys_->emplace(FoldCase(code), item.GetPrimaryKey());
+        byCode.Set(code, item.GetPrimaryKey());
     }
+    RememberItemCodes(profile_, std::move(byCode));
 }
 
 std::string LOrderItems::Find(std::string_view code) {

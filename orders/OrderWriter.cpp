@@ -45,14 +45,22 @@ bool LOrderWriter::Compute(const LPOrder& stored, LPOrder& order) const {
     return Fill(order, ids);
 }
 
-LOrderError LOrderWriter::CheckTotals(const LPOrder& stored) const {
-    LOrderError error;
+LOrderError LOrderWriter::Check(const LPOrder& stored) const {
+    const auto refuse = [](LOrderField field, std::string message) {
+        LOrderError error;
+        static_cast<LFieldError<LOrderField>&>(error) =
+            LFieldError<LOrderField>::At(field, std::move(message));
+        return error;
+    };
     LPOrder order;
-    if (Compute(stored, order)) return error;
-    static_cast<LFieldError<LOrderField>&>(error) = LFieldError<LOrderField>::At(
-        LOrderField::kLines,
-        "The total of this order is too large. Check the quantities and costs.");
-    return error;
+    if (!Compute(stored, order)) {
+        return refuse(LOrderField::kLines,
+                      "The total of this order is too large. Check the quantities and costs.");
+    }
+    const bool isGone =
+        !input_.locationId.empty() && !LLocationList(profile_).TestRecordExists(input_.locationId);
+    if (!isGone) return {};
+    return refuse(LOrderField::kLocation, "This location has been deleted in the meantime.");
 }
 
 bool LOrderWriter::Write(LPOrder& order, LNewItems newItems) const {

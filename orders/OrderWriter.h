@@ -23,9 +23,9 @@ public:
     // not fit. Neither supplier nor items are made.
     [[nodiscard]] bool Compute(const LPOrder& stored, LPOrder& order) const;
     // Whether everything can be written over `stored`; otherwise why not.
-    LOrderError CheckTotals(const LPOrder& stored) const;
+    LOrderError Check(const LPOrder& stored) const;
     // Makes the supplier and, as told, items, then writes all fields into the bound order and saves
-    // it. After CheckTotals. False when something could not be stored.
+    // it. After Check. False when something could not be stored.
     [[nodiscard]] bool Write(LPOrder& order, LNewItems newItems) const;
 
 private:

@@ -77,6 +77,8 @@ TEST(OrderValidation, TheFirstComplaintNamesItsField) {
          "The entered value \"two\" is not valid number.", 0},
         {[](LOrderInput& in) { in.lines[0].unitCost = "1.2.3"; }, LOrderField::kUnitCost, "",
          "The entered value \"1.2.3\" is not valid.", 0},
+        {[](LOrderInput& in) { in.locationId = "99"; }, LOrderField::kLocation, "",
+         "This location has been deleted in the meantime.", -1},
         {[](LOrderInput& in) { in.lines[0].quantity = "1" + std::string(200, '0'); },
          LOrderField::kLines, "",
          "The total of this order is too large. Check the quantities and costs.", -1},
