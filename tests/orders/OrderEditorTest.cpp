@@ -2,7 +2,9 @@
 #include "orders/OrderEditor.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
+#include <csignal>
 #include <functional>
 #include <thread>
 
@@ -270,6 +272,40 @@ TEST(OrderEditor, OfPeopleWhoRecordOneDraftTogetherOneDoes) {
     for (std::thread& person : people) person.join();
     EXPECT_EQ(shop.Count(shop.profile.Orders()), 1);
     EXPECT_EQ(shop.Count(shop.profile.OrdersDrafts()), 0);
+}
+
+// Files that cannot grow past a size, as on a disk that is nearly full.
+class LFileSizeLimit {
+public:
+    explicit LFileSizeLimit(rlim_t bytes) {
+        ::signal(SIGXFSZ, SIG_IGN);
+        ::getrlimit(RLIMIT_FSIZE, &old_);
+        const rlimit limit{bytes, old_.rlim_max};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~LFileSizeLimit() { ::setrlimit(RLIMIT_FSIZE, &old_); }
+    LFileSizeLimit(const LFileSizeLimit&) = delete;
+    LFileSizeLimit& operator=(const LFileSizeLimit&) = delete;
+
+private:
+    rlimit old_{};
+};
+
+TEST(OrderEditor, ADiskThatIsFullCostsNoDraft) {
+    for (const rlim_t room : {0, 100, 400}) {
+        const LEditorShop shop;
+        LOrderInput input = shop.Input();
+        input.notes = std::string(500, 'n');
+        ASSERT_TRUE(LOrderEditorSaveDraft(shop.profile, input).IsNone());
+        std::string id = input.id;
+        {
+            const LFileSizeLimit full(room);
+            EXPECT_FALSE(LOrderRecord(shop.profile, id)) << room;
+        }
+        EXPECT_EQ(shop.Stored("OrdersDrafts", id, "Total"), "2000") << room;
+        EXPECT_EQ(shop.Count(shop.profile.Orders()), 0) << room;
+        EXPECT_TRUE(LOrderRecord(shop.profile, id)) << "once there is room again";
+    }
 }
 
 TEST(OrderList, ShowsWhatPassesTheFilterAndAddsItUp) {

@@ -103,6 +103,7 @@ void LWebOrderDialog::PrintAboveForm() {
         };
         if (isRecorded && status != StockFullyReceived) link("orderreceive", "Receive");
         if (isRecorded && status != StockNotReceived) link("orderreturn", "Return");
+        if (Profile().OrdersRecurring().TestRecordExists(id)) link("orderschedule", "Schedule");
         link("orderdelete", "Delete");
         Out().Write("</div>");
     }
