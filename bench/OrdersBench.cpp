@@ -11,6 +11,7 @@
 #include "orders/LPOrderList.h"
 #include "orders/LowStockOrders.h"
 #include "orders/OrderTotals.h"
+#include "orders/QuantityOnOrder.h"
 #include "platform/LFileDescriptor.h"
 
 namespace {
@@ -99,6 +100,15 @@ void BM_WalkTheRecords(benchmark::State& state) {
     }
 }
 BENCHMARK(BM_WalkTheRecords)->Unit(benchmark::kMillisecond);
+
+void BM_QuantitiesOnOrder(benchmark::State& state) {
+    const LProfile& profile = Business();
+    for (auto _ : state) {
+        const LQuantitiesOnOrder onOrder(profile);
+        if (onOrder.Of("1").empty()) state.SkipWithError("nothing is on order");
+    }
+}
+BENCHMARK(BM_QuantitiesOnOrder)->Unit(benchmark::kMillisecond);
 
 void BM_Proposals(benchmark::State& state) {
     const LProfile& profile = Business();

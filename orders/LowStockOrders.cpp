@@ -66,19 +66,21 @@ struct LShortages {
     std::vector<LLowStockRow> rows = {};
 
     void Add(const LItem& item);
-    void AddAt(const LItem& item, const LocationAndQuantities& stock);
+    void AddAt(const LItem& item, const LocationAndQuantities& stock, double ordered,
+               std::string_view location);
 };
 
 void LShortages::Add(const LItem& item) {
+    const auto places = onOrder.Of(item.GetPrimaryKey());
     for (const LocationAndQuantities& stock :
          ParseLocationAndQuantities(item.GetView("LocationsAndQuantities"))) {
-        AddAt(item, stock);
+        const std::string_view location = locations.Name(stock.location);
+        AddAt(item, stock, LQuantitiesOnOrder::At(places, location), location);
     }
 }
 
-void LShortages::AddAt(const LItem& item, const LocationAndQuantities& stock) {
-    const std::string_view location = locations.Name(stock.location);
-    const double ordered = onOrder.Of(item.GetPrimaryKey(), location);
+void LShortages::AddAt(const LItem& item, const LocationAndQuantities& stock, double ordered,
+                       std::string_view location) {
     const double need = stock.idealQuantity - (stock.quantity + ordered);
     const double threshold = percentBelow * 0.01 * stock.idealQuantity;
     // What sums of decimals leave behind is no shortage.

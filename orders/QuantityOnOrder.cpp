@@ -2,16 +2,14 @@
 
 #include <algorithm>
 
-#include "inventory/LNameMap.h"
 #include "inventory/OrderReferences.h"
 #include "orders/LPOrderList.h"
 
-LQuantitiesOnOrder::LQuantitiesOnOrder(const LProfile& profile) {
-    const LNameMap locations(profile, "Locations");
+LQuantitiesOnOrder::LQuantitiesOnOrder(const LProfile& profile) : locations_(profile, "Locations") {
     LRecordedPOrderList(profile).ForEach([&](const LPOrder& order) {
         const eStockReceivedStatus status = order.GetStockReceivedStatus();
         if (status == StockFullyReceived) return true;
-        const std::string_view location = locations.Name(order.GetView("Location"));
+        const std::string_view location = locations_.Name(order.GetView("Location"));
         for (int line = 0; line < order.GetItemCount(); ++line) {
             double quantity = order.GetItemQty(line);
             if (status == StockPartiallyReceived) quantity -= order.GetItemQtyReceived(line);
@@ -32,14 +30,19 @@ void LQuantitiesOnOrder::Add(std::string_view itemId, std::string_view locationN
     if (place != places.end()) {
         place->quantity += quantity;
     } else {
-        places.push_back({std::string(locationName), quantity});
+        places.push_back({locationName, quantity});
     }
 }
 
-double LQuantitiesOnOrder::Of(std::string_view itemId, std::string_view locationName) const {
+std::span<const LQuantitiesOnOrder::LAtLocation> LQuantitiesOnOrder::Of(
+    std::string_view itemId) const {
     const auto found = byItem_.find(itemId);
-    if (found == byItem_.end()) return 0;
-    for (const LAtLocation& at : found->second) {
+    if (found == byItem_.end()) return {};
+    return found->second;
+}
+
+double LQuantitiesOnOrder::At(std::span<const LAtLocation> places, std::string_view locationName) {
+    for (const LAtLocation& at : places) {
         if (at.locationName == locationName) return at.quantity;
     }
     return 0;
