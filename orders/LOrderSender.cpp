@@ -6,10 +6,13 @@
 #include <cstdlib>
 
 #include "orders/OrderText.h"
+#include "platform/ChildProgram.h"
 #include "platform/FileIo.h"
 #include "platform/Folders.h"
 #include "platform/LFileDescriptor.h"
 #include "service/email/EmailAddress.h"
+#include "service/email/EmailSettings.h"
+#include "service/email/SendEmailBackground.h"
 
 namespace {
 
@@ -37,7 +40,20 @@ private:
     bool exists_ = false, isWritten_ = false;
 };
 
+// The background sender takes every message; one that it cannot send anywhere is no success.
+bool CanSend(const LEmailSettings& settings) {
+    return !settings.useSmtpHost || !settings.mailSmtpHost.empty();
+}
+
 }  // namespace
+
+LOrderSender LOrderSender::OfThisSystem() {
+    return {RunProgram,
+            [](std::string_view recipients, std::string_view subject, std::string_view body) {
+                return CanSend(LoadEmailSettings()) &&
+                       LSendEmailBackground(recipients, subject, body);
+            }};
+}
 
 bool LOrderSender::Print(const LProfile& profile, const LPOrder& order) {
     if (!runProgram_) return false;

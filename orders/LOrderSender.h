@@ -21,6 +21,10 @@ public:
     LOrderSender(LRunProgram runProgram, LSendMail sendMail)
         : runProgram_(std::move(runProgram)), sendMail_(std::move(sendMail)) {}
 
+    // Prints with the print command of this machine and hands e-mails to the background sender of
+    // this process.
+    static LOrderSender OfThisSystem();
+
     // Hands it to CUPS for the default printer ("lp"); true once it waits in the queue.
     bool Print(const LProfile& profile, const LPOrder& order) override;
     // Refuses what is no list of addresses.

@@ -32,7 +32,7 @@ private:
 
     LEmailSendBackgroundThread emailSender_;
     SendEmailThread lowStockEmails_;
-    LOrderSender orderSender_;
+    LOrderSender orderSender_ = LOrderSender::OfThisSystem();
     LRecurringOrderThread recurringOrders_{orderSender_};
     LWebControl webControl_;
     LDetachedThreadGroup workers_;

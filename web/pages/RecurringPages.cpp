@@ -210,7 +210,7 @@ void WLProcessRunRecurringOrder(LWebletForm& form) {
                                      ? "Place all recurring orders that are due?"
                                      : "Place an order from the recurring order " + id + " now?";
     if (ui.Ask(kRunRecurringTitle, question, {"Run", "Cancel"}) == "Run") {
-        LOrderSender sender;
+        LOrderSender sender = LOrderSender::OfThisSystem();
         if (id.empty()) {
             Run(ui, LRecurringOrderRunAllData{form.Profile(), sender});
         } else {
