@@ -13,6 +13,7 @@
 #include "datastore/FolderTreeCopy.h"
 #include "datastore/LBackgroundService.h"
 #include "datastore/LFile.h"
+#include "datastore/SharedFolderMigration.h"
 #include "platform/FileIo.h"
 #include "platform/Folders.h"
 #include "platform/LFileDescriptor.h"
@@ -141,6 +142,8 @@ private:
         ProcessCopyFolderTree copy(backup, shared_, LCopyTimes::kNew);
         if (ui_.RunProcess("Restore Files",
                            [&](LProcessInterface& process) { return copy.Run(&process); })) {
+            // A backup of the previous version, or one made by hand, comes without the mark.
+            LFileMarkSharedFolderMigrated(shared_);
             LFile::RemoveFolderTree(aside);
             ui_.Inform("Data Restore Success", "The data was restored successfully.");
             return;

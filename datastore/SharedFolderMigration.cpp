@@ -38,13 +38,6 @@ std::string BackupName() {
     return text.data();
 }
 
-bool MakeMarker(const std::string& folder) {
-    const LFileDescriptor marker(
-        ::open((folder + std::string(kMarker)).c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666));
-    if (marker.IsOpen()) flocktimed(marker.Get(), LFileLockKind::kExclusive);
-    return marker.IsOpen();
-}
-
 std::string SystemReason() { return std::strerror(errno); }
 
 // The copy is made beside its place and only moved there when it is whole. Returns what stood in
@@ -58,7 +51,7 @@ std::string Import(const std::string& oldFolder, const std::string& newFolder,
     std::string problem = process.Run(nullptr) ? "" : process.Problem();
     // With the marker in it: were it made afterwards and failed, the next start would import again
     // over what the user has changed meanwhile.
-    if (problem.empty() && !MakeMarker(copy)) problem = SystemReason();
+    if (problem.empty() && !LFileMarkSharedFolderMigrated(copy)) problem = SystemReason();
     if (problem.empty() && !backup.empty() && !LFile::RenameFile(newFolder, backup, 0)) {
         problem = SystemReason();
     }
@@ -75,7 +68,7 @@ void Migrate(const std::string& dataFolder, const std::string& newFolder, LUserI
     const std::string oldFolder = OldSharedFolder();
     if (!FolderExists(oldFolder)) {
         MakeFolderTree(newFolder, 0777);
-        MakeMarker(newFolder);
+        LFileMarkSharedFolderMigrated(newFolder);
         return;
     }
     const bool replaces = FolderExists(newFolder);
@@ -103,4 +96,11 @@ void LFileMigrateSharedSettings(LUserInterface& ui) {
     const LFileDescriptor turn(::open(dataFolder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (turn.IsOpen()) flocktimed(turn.Get(), LFileLockKind::kExclusive);
     if (!isDone()) Migrate(dataFolder, newFolder, ui);
+}
+
+bool LFileMarkSharedFolderMigrated(const std::string& sharedFolder) {
+    const std::string path = sharedFolder + std::string(kMarker);
+    const LFileDescriptor marker(::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666));
+    if (marker.IsOpen()) flocktimed(marker.Get(), LFileLockKind::kExclusive);
+    return marker.IsOpen();
 }

@@ -1,6 +1,8 @@
 // Takes the shared data over from where the previous version kept them.
 #pragma once
 
+#include <string>
+
 #include "platform/LUserInterface.h"
 
 // Once for each user, before anything reads a setting: copies the old shared folder of the platform
@@ -10,3 +12,7 @@
 // the folder stays as it was, the log says why, and the next start tries again. Two processes that
 // start at the same moment do it once.
 void LFileMigrateSharedSettings(LUserInterface& ui);
+
+// Leaves that file in `sharedFolder` at once: the data there were put there on purpose, and no
+// later start may replace them. False when the disk refuses.
+bool LFileMarkSharedFolderMigrated(const std::string& sharedFolder);

@@ -13,6 +13,7 @@
 #include "datastore/LBackgroundService.h"
 #include "datastore/LFile.h"
 #include "datastore/LProfile.h"
+#include "datastore/SharedFolderMigration.h"
 #include "platform/Folders.h"
 #include "tests/support/LChildProcess.h"
 #include "tests/support/LFailNthFileCall.h"
@@ -75,6 +76,7 @@ protected:
         AddItem(profile, "old");
         home_.WriteFile("data/Quillmarsh/Shared/Sellhistory/2026-01-02.csv", "1,1,$2.00,Main\r\n");
         home_.WriteFile("data/Quillmarsh/Shared/MultiBus/1/Misc/Options.dat", "Init=1");
+        EXPECT_TRUE(LFileMarkSharedFolderMigrated(shared_));
     }
     static void AddItem(const LProfile& profile, const std::string& code) {
         LRecord item;
@@ -184,12 +186,14 @@ TEST_F(Backup, ContentsTellWhatIsInside) {
 
 TEST_F(Backup, RestorePutsTheBackupInPlaceWhileTheServiceRests) {
     const std::string backup = MakeBackup();
+    const LTree whole = TreeOf(backup);
+    fs::remove(backup + "/.SharedFolderMigrated");  // as the previous version wrote it
     AddItem(LProfile(), "new");
     LScriptedUserInterface ui;
     LFakeService service;
     ui.OnStatus([&](std::string_view) { EXPECT_EQ(service.calls, "stop "); });
     EXPECT_TRUE(Restore(backup, ui, service));
-    EXPECT_EQ(TreeOf(shared_), TreeOf(backup));
+    EXPECT_EQ(TreeOf(shared_), whole) << "else the next start would import other data over it";
     EXPECT_EQ(ui.ProcessTitles(), std::vector<std::string>{"Restore Files"});
     EXPECT_EQ(ui.Informed(), (std::vector<LScriptedUserInterface::Shown>{
                                  {"Data Restore Success", "The data was restored successfully."}}));
