@@ -148,7 +148,10 @@ bool LServiceAgent::WaitUntilEnded() {
 
 bool LServiceAgent::Uninstall() {
     if (parentWindow != nullptr && !Unload()) return false;
-    LWebletServer::EnableWebletServer(false);
+    if (!LWebletServer::EnableWebletServer(false)) {
+        LServiceLog("cannot store that the web server is turned off", {}, kLogError);
+        LServiceStopSoon();  // which storing it would have done
+    }
     ChooseAgentLauncher()->Unregister();
     return true;
 }

@@ -113,7 +113,9 @@ int ServiceHelper(const std::vector<std::string>& arguments) {
         TellWhatIsInstalled();
     } else if (step == "-uninstall") {
         LServiceUninstall();
-        std::puts("The service is no longer installed, and the web server is turned off.");
+        std::puts(LWebletServer::IsWebletServerEnabled()
+                      ? "The service is no longer installed."
+                      : "The service is no longer installed, and the web server is turned off.");
     } else if (step == "-reinstall") {
         LServiceReinstall();
     }

@@ -20,6 +20,8 @@ std::string NewFileName(const char* kind) {
 
 int Execute(std::vector<std::string> arguments, const std::string& output,
             const std::string& errors) {
+    // Tests that were started in the background would hand down that these are ignored.
+    for (const int signal : {SIGINT, SIGHUP}) ::signal(signal, SIG_DFL);
     constexpr int kFlags = O_WRONLY | O_CREAT | O_APPEND;
     ::dup2(::open("/dev/null", O_RDONLY), STDIN_FILENO);
     ::dup2(::open(output.c_str(), kFlags, 0600), STDOUT_FILENO);
