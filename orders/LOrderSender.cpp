@@ -47,8 +47,10 @@ bool CanSend(const LEmailSettings& settings) {
 
 }  // namespace
 
-LOrderSender LOrderSender::OfThisSystem() {
-    return {RunProgram,
+LOrderSender LOrderSender::OfThisSystem(const LSignalObject* stop) {
+    return {[stop](const std::vector<std::string>& words, int timeoutMs) {
+                return RunProgram(words, timeoutMs, stop);
+            },
             [](std::string_view recipients, std::string_view subject, std::string_view body) {
                 return CanSend(LoadEmailSettings()) &&
                        LSendEmailBackground(recipients, subject, body);

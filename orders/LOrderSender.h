@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "orders/LOrderDispatch.h"
+#include "platform/LSignalObject.h"
 
 class LOrderSender final : public LOrderDispatch {
 public:
@@ -22,8 +23,8 @@ public:
         : runProgram_(std::move(runProgram)), sendMail_(std::move(sendMail)) {}
 
     // Prints with the print command of this machine and hands e-mails to the background sender of
-    // this process.
-    static LOrderSender OfThisSystem();
+    // this process. A print command that hangs is ended when `stop` is set, which outlives this.
+    static LOrderSender OfThisSystem(const LSignalObject* stop = nullptr);
 
     // Hands it to CUPS for the default printer ("lp"); true once it waits in the queue.
     bool Print(const LProfile& profile, const LPOrder& order) override;

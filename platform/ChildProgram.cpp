@@ -118,12 +118,17 @@ std::string FindOnPath(std::string_view name) {
     return {};
 }
 
-int RunProgram(const std::vector<std::string>& words, int timeoutMs) {
+int RunProgram(const std::vector<std::string>& words, int timeoutMs, const LSignalObject* stop) {
     const pid_t id = LSpawnSettings().Spawn(words);
     if (id < 0) return -1;
     const LFileDescriptor end(static_cast<int>(::syscall(SYS_pidfd_open, id, 0)));
-    pollfd entry{end.Get(), POLLIN, 0};
-    if (end.IsOpen() && PollUntil(&entry, 1, LDeadline(timeoutMs)) <= 0) ::kill(id, SIGKILL);
+    // The system skips an entry whose descriptor is negative.
+    const int stopDescriptor = stop == nullptr ? -1 : stop->ReadDescriptor();
+    std::array<pollfd, 2> entries{{{end.Get(), POLLIN, 0}, {stopDescriptor, POLLIN, 0}}};
+    if (end.IsOpen()) {
+        PollUntil(entries.data(), entries.size(), LDeadline(timeoutMs));
+        if (entries[0].revents == 0) ::kill(id, SIGKILL);
+    }
     return Collect(id);
 }
 

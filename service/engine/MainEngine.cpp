@@ -22,6 +22,7 @@ MainEngine::~MainEngine() { StopEmail(); }
 void MainEngine::Start() {
     LServiceLog("Starting server engine...");
     StartEmail();
+    orderSender_ = LOrderSender::OfThisSystem(&recurringOrders_.StopSignal());
     if (!recurringOrders_.Start()) {
         LServiceLog("The thread that places recurring orders could not be started.", {}, kLogError);
     }

@@ -32,7 +32,7 @@ private:
 
     LEmailSendBackgroundThread emailSender_;
     SendEmailThread lowStockEmails_;
-    LOrderSender orderSender_ = LOrderSender::OfThisSystem();
+    LOrderSender orderSender_;
     LRecurringOrderThread recurringOrders_{orderSender_};
     LWebControl webControl_;
     LDetachedThreadGroup workers_;

@@ -17,6 +17,9 @@ TEST(ChildProgram, TellsHowTheProgramEnded) {
                             Case{{"test", "$HOME;`id`\"", "=", "$HOME;`id`\""}, 0, "no shell"}}) {
         EXPECT_EQ(RunProgram(row.words, 2000), row.status) << row.why;
     }
+    LSignalObject stop;
+    stop.Set();
+    EXPECT_EQ(RunProgram({"sleep", "1000"}, -1, &stop), -1);
 }
 
 TEST(ChildProgram, ADetachedProgramIsAwaitedUntilItIsReady) {
