@@ -20,6 +20,7 @@
 
 namespace {
 
+constexpr int kMovementWaitMs = 1000;  // there is another pass, and a stop must not wait for long
 constexpr int64_t kSecondNs = 1000000000;
 // File times move in steps: of a file that has just changed the next change may bear the same time.
 constexpr int64_t kSettledNs = 2 * kSecondNs;
@@ -42,19 +43,30 @@ bool HasBothFlags(const LRecord& item) {
     return item.GetBool("SendWaringEmail", false) && item.GetBool("CheckWaringEmail", false);
 }
 
-// Loads the item with its flag lowered; false when it was not raised, or would not go down.
-bool LowerFlag(const LProfile& profile, LItem& item, std::string_view key) {
-    const LMovementLock lock(profile);
-    if (!profile.Items().Open(item, key) || !HasBothFlags(item)) return false;
+// False when the stored flag is still raised.
+bool LowerFlag(const LProfile& profile, LItem& item) {
+    const std::string& key = item.GetPrimaryKey();
     OverwriteField(item, "SendWaringEmail", "0");
     LItem stored;
     const bool isLowered = item.Flush() && profile.Items().Load(key, stored) &&
                            !stored.GetBool("SendWaringEmail", false);
     if (!isLowered) {
-        WriteEmailLog("Cannot save item " + std::string(key) + ": no low-stock e-mail was sent.",
+        WriteEmailLog("Cannot save item " + key +
+                          ": its low-stock e-mail counts as due until it can be saved.",
                       LEmailLogLevel::kError);
     }
     return isLowered;
+}
+
+void WarnOfLowLocations(const LProfile& profile, const LItem& item, std::string_view stock) {
+    const LLocationList locations(profile);
+    for (const LocationAndQuantities& entry : ParseLocationAndQuantities(stock)) {
+        if (entry.idealQuantity <= 0 || entry.warnQuantity < entry.quantity) continue;
+        LLocation location;
+        const bool isKnown = locations.Open(location, entry.location);
+        SendWarningEmail(entry.quantity, entry.warnQuantity,
+                         isKnown ? location.GetString("Name") : std::string(), item);
+    }
 }
 
 }  // namespace
@@ -76,18 +88,21 @@ void SendWarningEmail(double quantity, double warnQuantity, std::string_view loc
     }
 }
 
-void SendDueWarnings(const LProfile& profile, std::string_view itemKey) {
-    LItem item;
-    if (!LowerFlag(profile, item, itemKey)) return;
-    const LLocationList locations(profile);
-    for (const LocationAndQuantities& entry :
-         ParseLocationAndQuantities(item.GetView("LocationsAndQuantities"))) {
-        if (entry.idealQuantity <= 0 || entry.warnQuantity < entry.quantity) continue;
-        LLocation location;
-        const bool isKnown = locations.Open(location, entry.location);
-        SendWarningEmail(entry.quantity, entry.warnQuantity,
-                         isKnown ? location.GetString("Name") : std::string(), item);
+void SendDueWarnings(const LProfile& profile, std::string_view itemKey, LWarnedItems& warned) {
+    const LMovementLock lock(profile, kMovementWaitMs);
+    if (!lock.IsTurn()) return;
+    std::string warnedAt;
+    const auto known = warned.find(itemKey);
+    const bool wasWarned = known != warned.end();
+    if (wasWarned) {
+        warnedAt = std::move(known->second);
+        warned.erase(known);
     }
+    LItem item;
+    if (!profile.Items().Open(item, itemKey) || !HasBothFlags(item)) return;
+    const std::string stock = item.GetString("LocationsAndQuantities");
+    if (!wasWarned || warnedAt != stock) WarnOfLowLocations(profile, item, stock);
+    if (!LowerFlag(profile, item)) warned.emplace(itemKey, stock);
 }
 
 LFlaggedItems::LFlaggedItems(std::string databaseFolder)

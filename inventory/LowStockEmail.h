@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,12 +18,18 @@
 void SendWarningEmail(double quantity, double warnQuantity, std::string_view locationName,
                       const LItem& item);
 
-// Warns for each location at which the item of that key is watched and low, and lowers its flag,
+// The items that were warned of although their flag would not go down: key and stock at that time.
+using LWarnedItems = std::map<std::string, std::string, std::less<>>;
+
+// Warns for each location at which the item of that key is watched and low, then lowers its flag,
 // whether or not there was anything to warn of. Nothing for an item whose flag is not raised (any
-// more). The flag is lowered first, under the movement lock and on the item as it is stored: a
-// change that comes meanwhile raises it again, and a disk that takes no change does not have the
-// same warning sent every minute.
-void SendDueWarnings(const LProfile& profile, std::string_view itemKey);
+// more). All of it happens under the movement lock and on the item as it is stored, so a change
+// that comes meanwhile raises the flag again. While others keep the lock for a second, the item
+// waits for another pass.
+//
+// An item of `warned` whose stock is the same gets no second warning, only its flag is lowered: a
+// full disk must not send the same message every minute. `warned` is brought up to date.
+void SendDueWarnings(const LProfile& profile, std::string_view itemKey, LWarnedItems& warned);
 
 // Finds the items of one business that have the flag raised. Reads the folder once for each search,
 // and only those files that changed since the last one. One thread at a time.

@@ -132,29 +132,35 @@ struct LHeldMovement {
     std::string folder;
     LMovementQueue* queue = nullptr;  // none: went ahead without its turn
     int lockedFile = -1;              // the queue's
+    bool isTurn = false;              // nobody else was at it to the end of the wait
     int depth = 1;
 };
 thread_local std::vector<LHeldMovement> heldMovements;
 
-LHeldMovement Acquire(const std::string& folder) {
+LHeldMovement Acquire(const std::string& folder, int timeoutMs) {
     const Clock::time_point now = Clock::now();
-    const Clock::time_point deadline = now + std::chrono::milliseconds(kLockTimeoutMs);
+    const Clock::time_point deadline = now + std::chrono::milliseconds(timeoutMs);
     LMovementQueue& queue = QueueOf(folder);
     if (!queue.Enter(deadline)) return {folder};
     const int file = queue.LockFile(folder, now);
     const bool isLocked = file >= 0 && LockFileUntil(file, deadline);
-    return {folder, &queue, isLocked ? file : -1};
+    // Where the file cannot be had or locked at all, nobody else can have it either.
+    const bool isOthers = file >= 0 && !isLocked && (errno == EWOULDBLOCK || errno == EINTR);
+    return {folder, &queue, isLocked ? file : -1, !isOthers};
 }
 
 }  // namespace
 
-LMovementLock::LMovementLock(const LProfile& profile) : folder_(profile.DatabaseFolder()) {
+LMovementLock::LMovementLock(const LProfile& profile, int timeoutMs)
+    : folder_(profile.DatabaseFolder()) {
     for (LHeldMovement& held : heldMovements) {
         if (held.folder != folder_) continue;
         ++held.depth;
+        isTurn_ = held.isTurn;
         return;
     }
-    heldMovements.push_back(Acquire(folder_));
+    heldMovements.push_back(Acquire(folder_, timeoutMs));
+    isTurn_ = heldMovements.back().isTurn;
 }
 
 LMovementLock::~LMovementLock() {

@@ -11,24 +11,29 @@ void SendEmailThread::ThreadFunction() {
 }
 
 void SendEmailThread::Pass() {
-    std::vector<LFlaggedItems> businesses;
+    std::vector<LBusinessItems> businesses;
     for (const LBusiness& business : ListBusinesses()) {
         const auto known = std::find_if(
             businesses_.begin(), businesses_.end(),
-            [&](const LFlaggedItems& items) { return items.Folder() == business.folder; });
-        businesses.push_back(known == businesses_.end() ? LFlaggedItems(business.folder)
-                                                        : std::move(*known));
+            [&](const LBusinessItems& of) { return of.items.Folder() == business.folder; });
+        businesses.push_back(known == businesses_.end()
+                                 ? LBusinessItems{LFlaggedItems(business.folder), {}}
+                                 : std::move(*known));
     }
     businesses_ = std::move(businesses);
-    for (LFlaggedItems& items : businesses_) PassOver(items);
+    for (LBusinessItems& business : businesses_) PassOver(business);
 }
 
-void SendEmailThread::PassOver(LFlaggedItems& items) {
-    const std::vector<std::string> keys = items.Find([this] { return IsStopRequested(); });
+void SendEmailThread::PassOver(LBusinessItems& business) {
+    const std::vector<std::string> keys = business.items.Find([this] { return IsStopRequested(); });
+    // A flag that somebody else has lowered may be raised for the same stock another day.
+    std::erase_if(business.warned, [&keys](const auto& entry) {
+        return std::find(keys.begin(), keys.end(), entry.first) == keys.end();
+    });
     if (keys.empty() || IsStopRequested()) return;
-    const LProfile profile(items.Folder());
+    const LProfile profile(business.items.Folder());
     for (const std::string& key : keys) {
         if (IsStopRequested()) return;
-        SendDueWarnings(profile, key);
+        SendDueWarnings(profile, key, business.warned);
     }
 }

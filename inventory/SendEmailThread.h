@@ -7,7 +7,8 @@
 #include "platform/LThread.h"
 
 // Passes over all items of all businesses that are not marked deleted, waits a minute, passes
-// again. Ends when its stop signal is set; after the item in hand when that comes during a pass.
+// again. Ends when its stop signal is set; after the item in hand, which waits for others that move
+// stock no longer than a second, when that comes during a pass.
 class SendEmailThread final : public LThread {
 public:
     static constexpr int kPauseMs = 60000;
@@ -17,10 +18,14 @@ public:
     ~SendEmailThread() override { StopAndJoin(); }
 
 private:
+    struct LBusinessItems {
+        LFlaggedItems items;
+        LWarnedItems warned;
+    };
     void ThreadFunction() override;
     void Pass();
-    void PassOver(LFlaggedItems& items);
+    void PassOver(LBusinessItems& business);
 
     const int pauseMs_;
-    std::vector<LFlaggedItems> businesses_;  // of the last pass
+    std::vector<LBusinessItems> businesses_;  // of the last pass
 };

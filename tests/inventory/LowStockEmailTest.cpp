@@ -11,6 +11,7 @@
 
 #include "datastore/Businesses.h"
 #include "datastore/UserSettings.h"
+#include "inventory/MovementLock.h"
 #include "inventory/SendEmailThread.h"
 #include "service/email/SendEmailBackground.h"
 #include "tests/inventory/LTestBusiness.h"
@@ -118,22 +119,44 @@ TEST_F(LowStockEmail, OnlyWhatChangedIsReadAgain) {
     EXPECT_TRUE(items.Find([] { return true; }).empty()) << "told to stop";
 }
 
-TEST_F(LowStockEmail, OnAFullDiskNothingIsSentForAFlagThatDoesNotGoDown) {
+TEST_F(LowStockEmail, OnAFullDiskTheSameWarningIsNotSentTwice) {
     const std::string key = AddFlagged("A-1", "\"1/1/5/9\",");
+    const LProfile& profile = business_.Profile();
     bool isDone = false;
     for (int n = 1; !isDone; ++n) {
         const LEmailSendBackgroundThread idle;  // only takes the message
+        LWarnedItems warned;
         LItem item;
-        ASSERT_TRUE(business_.Profile().Items().Open(item, key));
+        ASSERT_TRUE(profile.Items().Open(item, key));
         item.SetString("SendWaringEmail", "1");
         ASSERT_TRUE(item.Flush());
-        {
+        for (int pass = 0; pass < 2; ++pass) {
             const LFailNthFileCall fault(n, ENOSPC, LFaultSpan::kOnward);
-            SendDueWarnings(business_.Profile(), key);
-            isDone = !fault.Fired();
+            SendDueWarnings(profile, key, warned);
+            if (pass == 0) isDone = !fault.Fired();
+            EXPECT_EQ(warned.contains(key), Flag(key) == "1") << "call " << n;
         }
-        EXPECT_EQ(idle.WaitingCount(), Flag(key) == "0" ? 1u : 0u) << "call " << n;
+        SendDueWarnings(profile, key, warned);
+        EXPECT_EQ(idle.WaitingCount(), 1u) << "call " << n;
+        EXPECT_EQ(Flag(key), "0");
+        EXPECT_TRUE(warned.empty());
     }
+}
+
+TEST_F(LowStockEmail, AStopDoesNotWaitForTheMovementsOfOthers) {
+    const std::string key = AddFlagged("A-1", "\"1/1/5/9\",");
+    SendEmailThread thread;
+    const auto start = std::chrono::steady_clock::now();
+    {
+        const LMovementLock moving(business_.Profile());
+        ASSERT_TRUE(thread.Start());
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        thread.StopAndJoin();
+        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
+    }
+    EXPECT_EQ(Flag(key), "1") << "it is still due";
+    LWarnedItems warned;
+    SendDueWarnings(business_.Profile(), key, warned);
     EXPECT_EQ(Flag(key), "0");
 }
 
