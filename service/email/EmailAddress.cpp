@@ -178,6 +178,12 @@ void LEmailAddressListIterator::Next() {
     }
 }
 
+std::string JoinAddresses(const std::vector<std::string>& addresses) {
+    std::string out;
+    for (const std::string& address : addresses) out += (out.empty() ? "" : ", ") + address;
+    return out;
+}
+
 bool IsAddressSendable(std::string_view address) {
     return !address.empty() && address.size() <= kMaxAddressBytes &&
            address.find_first_of(" <>()[],;:\"\\") == std::string_view::npos &&

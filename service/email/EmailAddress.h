@@ -3,6 +3,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 // One address: a local part and a domain with at least one dot, as RFC 5321 allows them without
 // quoting (local part up to 64 bytes, labels up to 63); no blanks, no control characters, at most
@@ -33,6 +34,9 @@ private:
     bool valid_ = false;
     LMailbox current_;
 };
+
+// The addresses as a list again: "a@b.c, d@e.f".
+std::string JoinAddresses(const std::vector<std::string>& addresses);
 
 // Whether the address can be named in a mail dialogue and in a message's head without breaking out
 // of its place there. Looser than ValidateAddressSingle: "root@localhost" and "root" pass too.

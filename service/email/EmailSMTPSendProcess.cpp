@@ -9,12 +9,6 @@
 
 namespace {
 
-std::string Listed(const std::vector<std::string>& addresses) {
-    std::string out;
-    for (const std::string& address : addresses) out += (out.empty() ? "" : ", ") + address;
-    return out;
-}
-
 // One run of Process.
 class LSendRun {
 public:
@@ -38,9 +32,12 @@ private:
     bool VerifyWay();
     LExchangers FindExchangers(const std::string& domain);
     LMailServer Server() const;
+    bool IsDialogue() const {
+        return job_.account.mode == LSendMode::kServer || job_.account.mode == LSendMode::kDirect;
+    }
 
     bool Fail(std::string text, bool isTemporary = false) {
-        return Fail({Listed(task_.recipients), {}, std::move(text), isTemporary});
+        return Fail({JoinAddresses(task_.recipients), {}, std::move(text), isTemporary});
     }
     bool Fail(LSendFailure failure) {
         job_.failures.push_back(std::move(failure));
@@ -55,7 +52,8 @@ private:
 };
 
 bool LSendRun::TakeRecipients() {
-    const std::string list = job_.recipients.empty() ? job_.message.to : Listed(job_.recipients);
+    const std::string list =
+        job_.recipients.empty() ? job_.message.to : JoinAddresses(job_.recipients);
     for (LEmailAddressListIterator it(list); it.IsValid(); it.Next()) {
         const std::string address = AddressWithAsciiDomain(it.Current().address);
         if (IsAddressSendable(address)) {
@@ -91,16 +89,15 @@ bool LSendRun::BuildText() {
     std::string problem;
     auto text = BuildEmailMessage(message, problem);
     if (!text) return Fail(problem);
-    const LSendMode mode = job_.account.mode;
-    const bool isDialogue = mode == LSendMode::kServer || mode == LSendMode::kDirect;
-    text_ = isDialogue ? WithDotsDoubled(*text) : std::move(*text);
+    text_ = IsDialogue() ? WithDotsDoubled(*text) : std::move(*text);
     task_.text = text_;
     return true;
 }
 
 bool LSendRun::Prepare() {
     if (!TakeRecipients()) return false;
-    if (!IsNetworkUp()) return Fail("The network is not available.", true);
+    // Other programs keep what they are handed until there is one.
+    if (IsDialogue() && !IsNetworkUp()) return Fail("The network is not available.", true);
     task_.localHost = LocalHostName(process_);
     return TakeSender();
 }
@@ -118,11 +115,11 @@ bool LSendRun::ConnectToServer(LSmtpDialogue& dialogue, const LMailServer& serve
 void LSendRun::SendByServer(const LMailServer& server) {
     task_.server = server.host;
     if (server.host.empty()) {
-        Fail({Listed(task_.recipients), "SMTP Server Address Required",
+        Fail({JoinAddresses(task_.recipients), "SMTP Server Address Required",
               "If you choose SMTP you must enter a server.", false});
         return;
     }
-    if (!verifyOnly_) process_.SetStatus("To: " + Listed(task_.recipients));
+    if (!verifyOnly_) process_.SetStatus("To: " + JoinAddresses(task_.recipients));
     LSmtpDialogue dialogue(process_, job_, task_);
     const bool sent = ConnectToServer(dialogue, server) && dialogue.ReadGreeting() &&
                       dialogue.LogIn() && (verifyOnly_ || dialogue.SendMessage());
@@ -200,12 +197,12 @@ bool LSendRun::Send() {
             SendDirect();
             break;
         case LSendMode::kSendMail:
-            process_.SetStatus("To: " + Listed(task_.recipients));
+            process_.SetStatus("To: " + JoinAddresses(task_.recipients));
             HandOver(HandToSendMail(process_, task_.sender, task_.recipients, text_, problem),
                      problem);
             break;
         case LSendMode::kDesktopMail:
-            process_.SetStatus("To: " + Listed(task_.recipients));
+            process_.SetStatus("To: " + JoinAddresses(task_.recipients));
             HandOver(HandToDesktopMail(process_, job_.message, task_.recipients, problem), problem);
             break;
     }
@@ -230,9 +227,7 @@ bool LSendRun::VerifyWay() {
 
 bool LSendRun::Verify() {
     verifyOnly_ = true;
-    const LSendMode mode = job_.account.mode;
-    const bool isDialogue = mode == LSendMode::kServer || mode == LSendMode::kDirect;
-    return (!isDialogue || Prepare()) && VerifyWay();
+    return (!IsDialogue() || Prepare()) && VerifyWay();
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "platform/SocketIo.h"
+#include "service/email/EmailAddress.h"
 
 namespace {
 
@@ -191,7 +192,8 @@ void LEmailSendBackgroundThread::TellUnsent() {
         isSending_ = false;
     }
     for (const LJob& job : unsent) {
-        Tell(job.message, job.message.to, "was not sent: the service ends.",
-             LEmailLogLevel::kError);
+        const std::string to =  // the others got it
+            job.recipients.empty() ? job.message.to : JoinAddresses(job.recipients);
+        Tell(job.message, to, "was not sent: the service ends.", LEmailLogLevel::kError);
     }
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "service/email/EmailAddress.h"
 #include "service/email/MimeEncoding.h"
 
 namespace {
@@ -29,16 +30,10 @@ bool IsTemporaryCode(int code) { return code >= 400 && code < 500; }
 
 std::string Quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
 
-std::string Joined(const std::vector<std::string>& recipients) {
-    std::string out;
-    for (const std::string& recipient : recipients) out += (out.empty() ? "" : ", ") + recipient;
-    return out;
-}
-
 }  // namespace
 
 bool LSmtpDialogue::Fail(std::string text) {
-    failure_ = {Joined(task_.recipients), {}, std::move(text), IsTemporaryCode(reply_.code)};
+    failure_ = {JoinAddresses(task_.recipients), {}, std::move(text), IsTemporaryCode(reply_.code)};
     connection_.Close();
     return false;
 }
@@ -56,7 +51,7 @@ bool LSmtpDialogue::FailGeneral() {
 
 bool LSmtpDialogue::FailToConnect(bool isTemporary) {
     Fail("Unable to connect to mail server " + Quoted(task_.server) + " when sending an email to " +
-         Quoted(Joined(task_.recipients)) + ".");
+         Quoted(JoinAddresses(task_.recipients)) + ".");
     failure_.title = "Mail server not responding";
     failure_.isTemporary = isTemporary;
     return false;
@@ -97,7 +92,7 @@ bool LSmtpDialogue::Greet() {
     if (!SendGreeting()) return false;
     offersTls_ = reply_.offersStartTls;
     if (reply_.code == kOk) return true;
-    const std::string recipients = Joined(task_.recipients);
+    const std::string recipients = JoinAddresses(task_.recipients);
     if (reply_.code == kNoSuchParameter) {
         return Fail(
             "Mail host server error (HELO not accepted, error code 504) for destination email " +
@@ -179,7 +174,7 @@ bool LSmtpDialogue::SendRecipients() {
 
 bool LSmtpDialogue::RefusedText() {
     const std::string where =
-        " emailto: " + Joined(task_.recipients) + " mailhost: " + task_.server;
+        " emailto: " + JoinAddresses(task_.recipients) + " mailhost: " + task_.server;
     switch (reply_.code) {
         case kMailboxUnavailable:
             return Fail(
