@@ -8,6 +8,7 @@
 #include "platform/LFileDescriptor.h"
 #include "platform/LMutex.h"
 #include "platform/LThread.h"
+#include "platform/LUserInterface.h"
 
 // What a reply may be besides a text without its line end.
 inline constexpr char kStall[] = "(stall)";        // nothing more, the connection stays
@@ -63,3 +64,13 @@ inline LMailScript::Replies Then(LMailScript::Replies replies, size_t count, std
     replies.push_back(std::move(next));
     return replies;
 }
+
+// Keeps what it is told; nobody cancels.
+class LWatchedProcess final : public LProcessInterface {
+public:
+    void SetStatus(std::string_view text) override { statusTexts.emplace_back(text); }
+    void SetProgress(double fraction) override { progress.push_back(fraction); }
+    bool IsCancelled() const override { return false; }
+    std::vector<std::string> statusTexts;
+    std::vector<double> progress;
+};

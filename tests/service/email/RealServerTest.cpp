@@ -10,17 +10,11 @@
 #include "platform/FileIo.h"
 #include "service/email/EmailSMTPSendProcess.h"
 #include "service/email/MimeEncoding.h"
+#include "tests/service/email/LMailScript.h"
 #include "tests/support/LChildProcess.h"
 #include "tests/support/LTempFolder.h"
 
 namespace {
-
-class LNoProcess final : public LProcessInterface {
-public:
-    void SetStatus(std::string_view) override {}
-    void SetProgress(double) override {}
-    bool IsCancelled() const override { return false; }
-};
 
 bool Runs(const std::string& command) {
     return std::system((command + " >/dev/null 2>&1").c_str()) == 0;
@@ -71,7 +65,7 @@ protected:
 
     LTempFolder folder_;
     std::optional<LChildProcess> server_;
-    LNoProcess process_;
+    LWatchedProcess process_;
 };
 
 TEST_F(RealServer, AMessageArrivesAsItWasWritten) {

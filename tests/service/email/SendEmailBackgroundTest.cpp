@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <functional>
 #include <thread>
 
 #include "datastore/UserSettings.h"
@@ -122,39 +123,37 @@ TEST_F(SendEmailBackground, ThePasswordIsEncipheredAndTheDefaultsAreSetOnce) {
     EXPECT_FALSE(LoadEmailSettings().useSsl);
 }
 
+// Each step mends what the refusal before it was about.
 TEST_F(SendEmailBackground, TheSettingsAreChecked) {
     LEmailSettings settings;
-    const auto refusal = [&settings] {
-        LScriptedUserInterface ui;
-        const auto error = LEmailSendSettingsDlg::CmOk(ui, settings);
-        if (error.IsNone()) return std::string("stored");
-        return ui.Informed().at(0).title + "/" + ui.Informed().at(0).text;
+    const std::string replyTo = "Reply Email Required/", enter = " Enter your email address.";
+    const std::string must = ",\nyou must enter ", connect = " to connect to your server.";
+    const std::string auth = "Required/If your SMTP server requires authentication" + must;
+    const std::pair<std::function<void()>, std::string> kSteps[] = {
+        {[&] { settings.sendDirect = true; },
+         replyTo + "If you choose SMTP or Send Direct you must enter a valid reply-to address." +
+             enter},
+        {[&] { settings.useSmtpHost = true; },
+         "SMTP Server Address Required/If you choose SMTP you must enter a server."},
+        {[&] { settings.mailSmtpHost = "mail.example.com"; },
+         replyTo + "If you choose SMTP you must enter a valid reply-to address." + enter},
+        {[&] { settings.replyToEmail = "ann"; },
+         replyTo + "Please enter a valid reply-to email address."},
+        {[&] { settings.replyToEmail = "a@b.c, d@e.f", settings.smtpAuthOn = true; },
+         "User Name " + auth + "an SMTP username" + connect},
+        {[&] { settings.smtpUserName = "ann"; },
+         "Password " + auth + "a valid SMTP password" + connect},
     };
-    settings.sendDirect = true;
-    EXPECT_EQ(refusal(),
-              "Reply Email Required/If you choose SMTP or Send Direct you must enter a "
-              "valid reply-to address. Enter your email address.");
-    settings.useSmtpHost = true;
-    EXPECT_EQ(refusal(),
-              "SMTP Server Address Required/If you choose SMTP you must enter a server.");
-    settings.mailSmtpHost = "mail.example.com";
-    EXPECT_EQ(refusal(),
-              "Reply Email Required/If you choose SMTP you must enter a valid reply-to "
-              "address. Enter your email address.");
-    settings.replyToEmail = "ann";
-    EXPECT_EQ(refusal(), "Reply Email Required/Please enter a valid reply-to email address.");
-    settings.replyToEmail = "ann@example.com, bob@example.com";
-    settings.smtpAuthOn = true;
-    EXPECT_EQ(refusal(),
-              "User Name Required/If your SMTP server requires authentication,\nyou must "
-              "enter an SMTP username to connect to your server.");
-    settings.smtpUserName = "ann";
-    EXPECT_EQ(refusal(),
-              "Password Required/If your SMTP server requires authentication,\nyou must "
-              "enter a valid SMTP password to connect to your server.");
+    for (const auto& [change, refusal] : kSteps) {
+        change();
+        LScriptedUserInterface ui;
+        EXPECT_FALSE(LEmailSendSettingsDlg::CmOk(ui, settings).IsNone());
+        EXPECT_EQ(ui.Informed().at(0).title + "/" + ui.Informed().at(0).text, refusal);
+    }
     EXPECT_FALSE(LUserSettingTestExists("Email", "ReplyToEmail"));
     settings.smtpPassword = "p";
-    EXPECT_EQ(refusal(), "stored");
+    LScriptedUserInterface ui;
+    EXPECT_TRUE(LEmailSendSettingsDlg::CmOk(ui, settings).IsNone());
     EXPECT_EQ(LoadEmailSettings().smtpPassword, "p");
 }
 

@@ -10,15 +10,6 @@
 
 namespace {
 
-class LWatchedProcess final : public LProcessInterface {
-public:
-    void SetStatus(std::string_view text) override { statusTexts.emplace_back(text); }
-    void SetProgress(double fraction) override { progress.push_back(fraction); }
-    bool IsCancelled() const override { return false; }
-    std::vector<std::string> statusTexts;
-    std::vector<double> progress;
-};
-
 constexpr char kGeneral[] =
     "Error while trying to send email. Email address may be wrong or your SMTP server may require "
     "a username or password. Please check address again and see Email Settings. ";
@@ -81,81 +72,66 @@ TEST(SmtpDialogue, SaysItWithAPassword) {
 
 struct LRefusal {
     LMailScript::Replies replies;
-    bool authenticates;
-    const char* error;
-    bool isTemporary;
+    std::string error;  // "(" at its start: behind the general one
+    bool isTemporary = false;
 };
 
 TEST(SmtpDialogue, EveryRefusalHasItsText) {
     const auto plain = GoodReplies(), auth = GoodAuthReplies();
-    const std::string where = " emailto: bob@example.com mailhost: 127.0.0.1 error: ";
-    const LRefusal kRefusals[] = {
-        {Then(plain, 0, "554 go away"), false,
-         "Unable to connect to mail server \"127.0.0.1\" when "
-         "sending an email to \"bob@example.com\".",
-         false},
-        {Then(plain, 0, "421 busy"), false,
-         "Unable to connect to mail server \"127.0.0.1\" when "
-         "sending an email to \"bob@example.com\".",
-         true},
-        {Then(plain, 1, "504 who?"), false,
-         "Mail host server error (HELO not accepted, error code "
-         "504) for destination email bob@example.com - usually this means the email address is not "
-         "valid.",
-         false},
-        {Then(plain, 1, "550-no\r\n550 never"), false,
-         "Mail host server error (HELO not accepted): 550 emailto: bob@example.com", false},
-        {Then(auth, 2, "530 TLS first"), true,
-         "Encryption required for requested Email server. "
-         "Please check your Email Settings.",
-         false},
-        {Then(auth, 2, "502 unknown"), true, "(502): unknown", false},
-        {Then(Then(auth, 2, "503 first"), 3, "550 no"), true, "(550): no", false},
-        {Then(auth, 3, "535 who?"), true,
-         "Email authentication username or password not accepted "
-         "(334): who?",
-         false},
-        {Then(auth, 4, "535 wrong"), true,
-         "Email authentication username or password not accepted "
-         "(334): wrong",
-         false},
-        {Then(auth, 4, "454 later"), true,
-         "Email authentication username or password not accepted "
-         "(334): later",
-         true},
-        {Then(plain, 2, "550 not you"), false,
-         "Mail host server error (MAIL FROM not accepted). "
-         "Please check your Email Settings. ann@example.com - (550 - not you)",
-         false},
-        {Then(plain, 3, "550 unknown"), false, "(550): unknown", false},
-        {Then(plain, 3, "450 grey"), false, "(450): grey", true},
-        {Then(plain, 4, "554 no"), false, "Mail host server error (DATA not accepted)", false},
-        {Then(plain, 5, "550 policy"), false,
-         "The recipient's email server does not allow email to "
-         "be received in this manner.  Please use an SMTP account for sending email to this "
-         "address. emailto: bob@example.com mailhost: 127.0.0.1 error: policy",
-         false},
-        {Then(plain, 5, "554 spam"), false,
-         "The recipient's email server rejected this email because "
-         "of an unspecified reason.  Try using an SMTP account for sending email to this address.",
-         false},
-        {Then(plain, 5, "552 big"), false,
-         "The email exceeds the size limits set for this account.", false},
-        {Then(plain, 5, "451 later"), false,
-         "Mail host server error (data terminator not accepted) "
-         "emailto: bob@example.com mailhost: 127.0.0.1 error: 451",
-         true},
+    const std::string bob = "emailto: bob@example.com",
+                      where = bob + " mailhost: 127.0.0.1 error: ";
+    const std::string unreachable =
+        "Unable to connect to mail server \"127.0.0.1\" when sending an email to "
+        "\"bob@example.com\".";
+    const std::string account = "Email authentication username or password not accepted (334): ";
+    const LRefusal kPlain[] = {
+        {Then(plain, 0, "554 go away"), unreachable},
+        {Then(plain, 0, "421 busy"), unreachable, true},
+        {Then(plain, 1, "504 who?"),
+         "Mail host server error (HELO not accepted, error code 504) for destination email "
+         "bob@example.com - usually this means the email address is not valid."},
+        {Then(plain, 1, "550-no\r\n550 never"),
+         "Mail host server error (HELO not accepted): 550 " + bob},
+        {Then(plain, 2, "550 not you"),
+         "Mail host server error (MAIL FROM not accepted). Please check your Email Settings. "
+         "ann@example.com - (550 - not you)"},
+        {Then(plain, 3, "550 unknown"), "(550): unknown"},
+        {Then(plain, 3, "450 grey"), "(450): grey", true},
+        {Then(plain, 3, "550 " + std::string(1000, 'x')),
+         "(550): " + std::string(kMaxReplyLine - 4, 'x')},
+        {Then(plain, 4, "554 no"), "Mail host server error (DATA not accepted)"},
+        {Then(plain, 5, "550 policy"),
+         "The recipient's email server does not allow email to be received in this manner.  "
+         "Please use an SMTP account for sending email to this address. " +
+             where + "policy"},
+        {Then(plain, 5, "554 spam"),
+         "The recipient's email server rejected this email because of an unspecified reason.  "
+         "Try using an SMTP account for sending email to this address."},
+        {Then(plain, 5, "552 big"), "The email exceeds the size limits set for this account."},
+        {Then(plain, 5, "451 later"),
+         "Mail host server error (data terminator not accepted) " + where + "451", true},
     };
-    for (const LRefusal& refusal : kRefusals) {
+    const LRefusal kAuth[] = {
+        {Then(auth, 2, "530 TLS first"),
+         "Encryption required for requested Email server. Please check your Email Settings."},
+        {Then(auth, 2, "502 unknown"), "(502): unknown"},
+        {Then(Then(auth, 2, "503 first"), 3, "550 no"), "(550): no"},
+        {Then(auth, 3, "535 who?"), account + "who?"},
+        {Then(auth, 4, "535 wrong"), account + "wrong"},
+        {Then(auth, 4, "454 later"), account + "later", true},
+    };
+    const auto check = [](const LRefusal& refusal, bool authenticates) {
         LMailScript server({refusal.replies});
-        auto job = JobFor(server, refusal.authenticates);
+        auto job = JobFor(server, authenticates);
         LWatchedProcess process;
         EXPECT_FALSE(Process(process, job));
         ASSERT_EQ(job.failures.size(), 1u);
         const bool isGeneral = refusal.error[0] == '(';
-        EXPECT_EQ(job.ErrorText(), (isGeneral ? kGeneral : "") + std::string(refusal.error));
+        EXPECT_EQ(job.ErrorText(), (isGeneral ? kGeneral : "") + refusal.error);
         EXPECT_EQ(job.failures[0].isTemporary, refusal.isTemporary) << refusal.error;
-    }
+    };
+    for (const LRefusal& refusal : kPlain) check(refusal, false);
+    for (const LRefusal& refusal : kAuth) check(refusal, true);
 }
 
 TEST(SmtpDialogue, AServerThatMisbehavesAtAnyMomentEndsInAnErrorInTime) {
@@ -183,14 +159,6 @@ TEST(SmtpDialogue, AServerThatHangsUpInTheTextMaySayWhy) {
     LWatchedProcess process;
     EXPECT_FALSE(Process(process, job));
     EXPECT_EQ(job.ErrorText(), "The email exceeds the size limits set for this account.");
-}
-
-TEST(SmtpDialogue, AReplyMayBeLong) {
-    LMailScript server({Then(GoodReplies(), 3, "550 " + std::string(1000, 'x'))});
-    auto job = JobFor(server);
-    LWatchedProcess process;
-    EXPECT_FALSE(Process(process, job));
-    EXPECT_EQ(job.ErrorText(), kGeneral + ("(550): " + std::string(kMaxReplyLine - 4, 'x')));
 }
 
 TEST(SmtpDialogue, TheSecondPortIsTriedWhenTheFirstRefuses) {
@@ -283,45 +251,48 @@ TEST(SmtpDialogue, ABrokenHandshakeIsToldOf) {
     }
 }
 
-TEST(MailPrograms, SendMailGetsTheMessageAsItIs) {
-    LTempHome home;
-    home.WriteFile("sendmail",
-                   "#!/bin/sh\necho \"$@\" >\"$HOME/arguments\"\ncat >\"$HOME/mail\"\n"
-                   "exit $(cat \"$HOME/status\")\n");
-    ASSERT_EQ(::chmod(home.File("sendmail").c_str(), 0755), 0);
-    const LScopedEnvironment path("PATH", home.Path() + ":/usr/bin:/bin");
+// A program of that name that lies alone on the PATH.
+class MailPrograms : public testing::Test {
+protected:
+    void Install(const std::string& name, const std::string& script) const {
+        home_.WriteFile(name, "#!/bin/sh\n" + script);
+        ASSERT_EQ(::chmod(home_.File(name).c_str(), 0755), 0);
+    }
+    LTempHome home_;
+    LScopedEnvironment path_{"PATH", home_.Path() + ":/usr/bin:/bin"};
+    EmailSMTPSendProcess job_;
+    LWatchedProcess process_;
+};
+
+TEST_F(MailPrograms, SendMailGetsTheMessageAsItIs) {
+    Install(
+        "sendmail",
+        "echo \"$@\" >\"$HOME/arguments\"\ncat >\"$HOME/mail\"\nexit $(cat \"$HOME/status\")\n");
+    job_.account.mode = LSendMode::kSendMail;
+    job_.account.sender = "ann@example.com";
+    job_.message.to = "-x@example.com, Bob <bob@example.com>";
+    job_.message.body = "one\n.\n";
     for (const auto& [status, isTemporary] : {std::pair{0, false}, {75, true}, {67, false}}) {
-        home.WriteFile("status", std::to_string(status));
-        EmailSMTPSendProcess job;
-        job.account.mode = LSendMode::kSendMail;
-        job.account.sender = "ann@example.com";
-        job.message.to = "-x@example.com, Bob <bob@example.com>";
-        job.message.body = "one\n.\n";
-        LWatchedProcess process;
-        EXPECT_EQ(Process(process, job), status == 0) << job.ErrorText();
-        EXPECT_EQ(!job.failures.empty() && job.failures[0].isTemporary, isTemporary);
-        EXPECT_EQ(home.ReadFile("arguments"),
+        home_.WriteFile("status", std::to_string(status));
+        EXPECT_EQ(Process(process_, job_), status == 0) << job_.ErrorText();
+        EXPECT_EQ(!job_.failures.empty() && job_.failures[0].isTemporary, isTemporary);
+        EXPECT_EQ(home_.ReadFile("arguments"),
                   "-i -f ann@example.com -- -x@example.com bob@example.com\n");
-        EXPECT_TRUE(home.ReadFile("mail").ends_with("\n\none\n.\n")) << home.ReadFile("mail");
+        EXPECT_TRUE(home_.ReadFile("mail").ends_with("\n\none\n.\n")) << home_.ReadFile("mail");
     }
 }
 
-TEST(MailPrograms, TheDesktopMailIsGivenItsParts) {
-    LTempHome home;
-    home.WriteFile("xdg-email", "#!/bin/sh\nprintf '%s|' \"$@\" >\"$HOME/arguments\"\n");
-    ASSERT_EQ(::chmod(home.File("xdg-email").c_str(), 0755), 0);
-    const LScopedEnvironment path("PATH", home.Path() + ":/usr/bin:/bin");
-    EmailSMTPSendProcess job;
-    job.account.mode = LSendMode::kDesktopMail;
-    job.message.to = "-x@example.com, a+b@example.com";
-    job.message.subject = "$(id)";
-    home.WriteFile("order.pdf", "x");
-    job.message.attachments = {home.File("order.pdf")};
-    LWatchedProcess process;
-    EXPECT_TRUE(Process(process, job)) << job.ErrorText();
-    EXPECT_EQ(home.ReadFile("arguments"), "--utf8|--subject|$(id)|--attach|" +
-                                              home.File("order.pdf") +
-                                              "|mailto:-x@example.com,a%2Bb@example.com|");
+TEST_F(MailPrograms, TheDesktopMailIsGivenItsParts) {
+    Install("xdg-email", "printf '%s|' \"$@\" >\"$HOME/arguments\"\n");
+    home_.WriteFile("order.pdf", "x");
+    job_.account.mode = LSendMode::kDesktopMail;
+    job_.message.to = "-x@example.com, a+b@example.com";
+    job_.message.subject = "$(id)";
+    job_.message.attachments = {home_.File("order.pdf")};
+    EXPECT_TRUE(Process(process_, job_)) << job_.ErrorText();
+    EXPECT_EQ(home_.ReadFile("arguments"), "--utf8|--subject|$(id)|--attach|" +
+                                               home_.File("order.pdf") +
+                                               "|mailto:-x@example.com,a%2Bb@example.com|");
 }
 
 }  // namespace
