@@ -130,14 +130,19 @@ void LSendRun::SendByServer(const LMailServer& server) {
     dialogue.Quit();
 }
 
-// In the order of preference, until one answers as a mail server does.
+// In the order of preference, until one answers as a mail server does. When none does, the failure
+// is final only if it is with all of them.
 bool LSendRun::ConnectToExchanger(LSmtpDialogue& dialogue, const std::vector<std::string>& hosts) {
+    LSendFailure failure;
     for (const std::string& host : hosts) {
         task_.server = host;
         if (dialogue.Connect(host, job_.limits.relayPort) && dialogue.ReadGreeting()) return true;
+        const bool isTemporary = failure.isTemporary || dialogue.Failure().isTemporary;
+        failure = dialogue.Failure();
+        failure.isTemporary = isTemporary;
         if (process_.IsCancelled()) break;
     }
-    return false;
+    return Fail(std::move(failure));
 }
 
 LExchangers LSendRun::FindExchangers(const std::string& domain) {
@@ -162,9 +167,8 @@ void LSendRun::SendDirectTo(const std::string& recipient) {
         return;
     }
     LSmtpDialogue dialogue(process_, job_, task_);
-    const bool sent = ConnectToExchanger(dialogue, exchangers.hosts) && dialogue.LogIn() &&
-                      (verifyOnly_ || dialogue.SendMessage());
-    if (!sent) {
+    if (!ConnectToExchanger(dialogue, exchangers.hosts)) return;
+    if (!dialogue.LogIn() || (!verifyOnly_ && !dialogue.SendMessage())) {
         Fail(dialogue.Failure());
         return;
     }

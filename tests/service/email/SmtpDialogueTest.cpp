@@ -202,6 +202,12 @@ TEST(SmtpDialogue, DirectGoesToTheExchangersOfEachRecipient) {
     EXPECT_FALSE(job.failures[2].isTemporary) << "no such domain";
     EXPECT_EQ(Commands(server),
               "HELO me|MAIL FROM:<ann@example.com>|RCPT TO:<a@one.example>|DATA|QUIT|");
+
+    LMailScript refusing({{"554 no"}});
+    job.message.to = "a@one.example";
+    job.limits.relayPort = refusing.Port();
+    EXPECT_FALSE(Process(process, job));
+    EXPECT_TRUE(job.failures.at(0).isTemporary) << "the one nobody listens at may be back soon";
 }
 
 TEST(SmtpDialogue, RefusesBeforeItConnects) {
