@@ -9,6 +9,7 @@
 #include "web/framework/LHtmlList.h"
 #include "web/framework/LWebUserInterface.h"
 #include "web/framework/PageTargets.h"
+#include "web/server/LWebletConnection.h"
 
 namespace {
 
@@ -210,7 +211,7 @@ void WLProcessRunRecurringOrder(LWebletForm& form) {
                                      ? "Place all recurring orders that are due?"
                                      : "Place an order from the recurring order " + id + " now?";
     if (ui.Ask(kRunRecurringTitle, question, {"Run", "Cancel"}) == "Run") {
-        LOrderSender sender = LOrderSender::OfThisSystem();
+        LOrderSender sender = LOrderSender::OfThisSystem(&form.Connection().StopSignal());
         if (id.empty()) {
             Run(ui, LRecurringOrderRunAllData{form.Profile(), sender});
         } else {

@@ -30,6 +30,8 @@ public:
     // Whether the server is ending. Costs nothing, unlike asking the stop signal: a client that
     // never lets us wait is to be told between two answers too.
     bool IsStopping() const { return stopping_.load(std::memory_order_relaxed); }
+    // For a handler that waits for something else than the client.
+    const LSignalObject& StopSignal() const { return stop_; }
 
     // Whether the server is ending and the answer that is being sent has had its last moments.
     bool MustBreakOff() { return IsStopping() && LastAnswerEnd().RemainingMs() == 0; }
