@@ -53,6 +53,9 @@ public:
     bool IsTouched(int part) const {
         return Text(part) != Trimmed(Field(fields_, ItemRowControl(row_, kRowShown + part)));
     }
+    bool IsTouched() const {
+        return IsTouched(kRowQuantity) || IsTouched(kRowIdeal) || IsTouched(kRowWarning);
+    }
     bool IsEmpty() const {
         return Text(kRowQuantity).empty() && Text(kRowIdeal).empty() && Text(kRowWarning).empty();
     }
@@ -185,10 +188,12 @@ std::optional<LItemStockInput> StockInput(const LProfile& profile, const LHashTa
 
     const LNameMap locations(profile, "Locations");
     const LStockEntries stored = ParseLocationAndQuantities(item.GetView("LocationsAndQuantities"));
+    std::vector<std::string> shown;  // keys of the locations that the form has rows for
     for (int row = 0; row < StockRowCount(fields); ++row) {
         const LSubmittedRow submitted(fields, row);
-        if (submitted.IsEmpty()) continue;  // not kept there
         const LocationAndQuantities* entry = FindEntry(stored, submitted.Location());
+        shown.push_back(submitted.Location());
+        if (submitted.IsEmpty() && (entry == nullptr || submitted.IsTouched())) continue;
         LItemLocationRow line;
         line.locationName = locations.Name(submitted.Location());
         if (line.locationName.empty()) {
@@ -202,6 +207,15 @@ std::optional<LItemStockInput> StockInput(const LProfile& profile, const LHashTa
             return std::nullopt;
         }
         input.rows.push_back(std::move(line));
+    }
+    // What came to a location since the form was opened stays there.
+    for (const LocationAndQuantities& entry : stored) {
+        const std::string_view name = locations.Name(entry.location);
+        if (name.empty() || std::find(shown.begin(), shown.end(), entry.location) != shown.end()) {
+            continue;
+        }
+        input.rows.push_back(
+            {std::string(name), entry.quantity, entry.idealQuantity, entry.warnQuantity});
     }
     // Each row is stored in front of those before it: this way they are stored as they are shown.
     std::reverse(input.rows.begin(), input.rows.end());

@@ -49,6 +49,23 @@ TEST_F(ItemForm, WhatNobodyTouchedIsTakenFromTheStockOfNow) {
     EXPECT_EQ(input->rows[0].warnQuantity, 4);
 }
 
+TEST_F(ItemForm, WhatCameToALocationMeanwhileStays) {
+    const LHashTable fields = StockFieldsOf(profile_, item_);
+    LLocation yard;
+    profile_.List("Locations").CreateNewRecord(yard, "3");
+    yard.SetString("Name", "Yard");
+    yard.Flush();
+    item_.SetString("LocationsAndQuantities",
+                    "\"1/10.00/3.00/20.00\",\"2/5.00/1.00/2.00\",\"3/4.00/0.00/0.00\",");
+    const auto input = Read(fields);
+    ASSERT_TRUE(input);
+    std::string rows;
+    for (const LItemLocationRow& row : input->rows) {
+        rows += row.locationName + "=" + std::to_string(static_cast<int>(row.quantity)) + " ";
+    }
+    EXPECT_EQ(rows, "Yard=4 Store=5 Main=10 ");
+}
+
 TEST_F(ItemForm, ATypedQuantityWinsOverTheStockOfNow) {
     LHashTable fields = StockFieldsOf(profile_, item_);
     Type(fields, ItemRowControl(0, kRowQuantity), " 1,012.5 ");
@@ -105,7 +122,7 @@ TEST_F(ItemForm, SurvivesARowCountThatNobodyTyped) {
         Type(fields, kItemRowCount, count);
         const auto input = Read(fields);
         ASSERT_TRUE(input) << count;
-        EXPECT_TRUE(input->rows.empty()) << count;
+        EXPECT_EQ(input->rows.size(), 1U) << "what lies at Main stays: " << count;
     }
 }
 
