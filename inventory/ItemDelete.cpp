@@ -39,7 +39,9 @@ bool RemoveLocation(const LProfile& profile, LItem& item, std::string_view locat
     const LFileStoreListBase locations = profile.List("Locations");
     LRecord location;
     std::erase_if(entries, [&](const LocationAndQuantities& entry) {
-        return locations.Load(entry.location, location) && location.GetView("Name") == locationName;
+        // A location that is gone is listed without a name.
+        if (!locations.Load(entry.location, location)) return locationName.empty();
+        return location.GetView("Name") == locationName;
     });
     SetStockFields(profile, item, entries, LStockTotals::kAll);
     item.Flush();

@@ -38,10 +38,12 @@ bool Passes(LStockFilter filter, const LocationAndQuantities& stock) {
 class LItemListReader {
 public:
     LItemListReader(const LProfile& profile, const LItemListFilter& filter,
-                    const std::function<void(const LItemRow&)>& visit)
+                    const std::function<void(const LItemRow&)>& visit,
+                    const std::function<void(const LItem&)>& nowhere)
         : profile_(profile),
           filter_(filter),
           visit_(visit),
+          nowhere_(nowhere),
           categories_(profile, "Categories"),
           locations_(profile, "Locations"),
           taxes_(GetTaxNames(profile)),
@@ -72,6 +74,7 @@ private:
         VisitEntries(item, ParseLocationAndQuantities(item.GetView("LocationsAndQuantities")));
     }
     void VisitEntries(const LItem& item, const LStockEntries& entries) {
+        if (entries.empty()) return VisitNowhere(item);
         const std::string_view category = categories_.Name(item.GetView("Category"));
         const std::string_view tax = TaxName(item.GetInt("TaxRate", 0));
         for (const LocationAndQuantities& stock : entries) {
@@ -79,6 +82,10 @@ private:
             if (Excludes(filter_.location, location) || !Passes(filter_.stock, stock)) continue;
             visit_({item, category, tax, location, stock, IsBelowWarning(stock)});
         }
+    }
+    void VisitNowhere(const LItem& item) {
+        const bool isAnyPlace = !Excludes(filter_.location, {});
+        if (nowhere_ && isAnyPlace && filter_.stock == LStockFilter::kAll) nowhere_(item);
     }
     // What is no index of the list: below it the default tax, above it none that exists any more.
     std::string_view TaxName(int index) const {
@@ -90,6 +97,7 @@ private:
     const LProfile& profile_;
     const LItemListFilter& filter_;
     const std::function<void(const LItemRow&)>& visit_;
+    const std::function<void(const LItem&)>& nowhere_;
     const LNameMap categories_, locations_;
     const std::vector<std::string> taxes_;
     const std::string search_;
@@ -99,8 +107,9 @@ private:
 }  // namespace
 
 void FillItemList(const LProfile& profile, const LItemListFilter& filter,
-                  const std::function<void(const LItemRow&)>& visit) {
-    LItemListReader(profile, filter, visit).Read();
+                  const std::function<void(const LItemRow&)>& visit,
+                  const std::function<void(const LItem&)>& nowhere) {
+    LItemListReader(profile, filter, visit, nowhere).Read();
 }
 
 std::string_view StockFilterName(LStockFilter filter) {

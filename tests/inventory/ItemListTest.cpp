@@ -90,6 +90,24 @@ TEST_F(ItemList, FiltersByEveryMeans) {
     for (const Case& row : kCases) EXPECT_EQ(Rows(row.filter), row.rows) << row.why;
 }
 
+TEST_F(ItemList, WhatHasNoRowCanStillBeFound) {
+    shop_.AddBuiltItem("Ghost", "\"gone/1.00\",\"Nut/1.00\",");
+    shop_.AddItem("Lost", "");
+    const auto nowhere = [&](const LItemListFilter& filter) {
+        std::vector<std::string> codes;
+        FillItemList(
+            shop_.Profile(), filter, [](const LItemRow&) {},
+            [&](const LItem& item) { codes.push_back(item.GetString("Name")); });
+        std::sort(codes.begin(), codes.end());
+        return codes;
+    };
+    const LStockFilter kAll = LStockFilter::kAll;
+    EXPECT_EQ(nowhere({}), (std::vector<std::string>{"Ghost", "Lost"}));
+    EXPECT_EQ(nowhere({"", "", "All", kAll, "gho"}), std::vector<std::string>{"Ghost"});
+    EXPECT_TRUE(nowhere({"", "", "Yard", kAll, ""}).empty());
+    EXPECT_TRUE(nowhere({"", "", "", LStockFilter::kAboveWarning, ""}).empty());
+}
+
 TEST_F(ItemList, NamesCategoryAndTax) {
     std::string seen;
     FillItemList(shop_.Profile(), {"", "", "Main", LStockFilter::kAll, ""},

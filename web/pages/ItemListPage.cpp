@@ -29,6 +29,13 @@ constexpr LHtmlListColumn kColumns[] = {
     {"Actions", 0, LCellAlign::kRight, false},
 };
 
+constexpr LHtmlListColumn kNowhereColumns[] = {
+    {"Code", 20},
+    {"Description", 40},
+    {"Why", 40},
+    {"Delete", 0, LCellAlign::kCenter, false},
+};
+
 constexpr LHtmlListAction kActions[] = {
     {"Receive", "itempurchasesell?type=receive&"},
     {"Sell", "itempurchasesell?type=sell&"},
@@ -155,6 +162,26 @@ private:
     LHtmlListRow common_, row_;
 };
 
+std::span<const LHtmlListColumn> ShownColumns(std::span<const LHtmlListColumn> columns,
+                                              bool mayChange) {
+    return mayChange ? columns : columns.first(columns.size() - 1);
+}
+
+// Without a row of its own in the list, an item must still be found, to be mended or deleted.
+void AddNowhere(LHtmlList& table, const LItem& item, bool mayChange) {
+    const std::string& id = item.GetPrimaryKey();
+    LHtmlListRow row = table.MakeRow();
+    row.AddCellLink(WLMakeLink("itemprop", {{"id", id}}), item.GetView("Name"));
+    row.AddCell(OnOneLine(item.GetView("Description")));
+    row.AddCell(item.IsBuilt() ? "Built from items that are missing or kept nowhere"
+                               : "Kept at no location");
+    if (mayChange) {
+        row.AddCellPrintF("<a href='%H' aria-label='Delete %H'>Delete</a>",
+                          WLMakeLink("itemdelete", {{"id", id}}), item.GetView("Name"));
+    }
+    table.AddOrdered(std::move(row));
+}
+
 }  // namespace
 
 LItemListFilter LAppWebItemsPage::ReadFilter() {
@@ -196,14 +223,22 @@ void LAppWebItemsPage::PrintFilters(const LItemListFilter& filter) {
 }
 
 void LAppWebItemsPage::PrintTable(const LItemListFilter& filter) {
-    const std::span<const LHtmlListColumn> columns(kColumns);
     LHtmlList table;
-    table.SetColumns(IsViewer() ? columns.first(columns.size() - 1) : columns);
+    table.SetColumns(ShownColumns(kColumns, !IsViewer()));
     if (!IsViewer()) table.SetRowActions(kActions);
     table.SetSort(0, true);
     table.SetName("Items");
     table.SetEmptyText("No item matches. Choose other filters, or add a new item.");
     LItemRows rows(Profile(), table, !IsViewer());
-    FillItemList(Profile(), filter, [&](const LItemRow& row) { rows.Add(row); });
+    LHtmlList nowhere;
+    nowhere.SetColumns(ShownColumns(kNowhereColumns, !IsViewer()));
+    nowhere.SetSort(0, true);
+    nowhere.SetName("Items without stock at any location");
+    FillItemList(
+        Profile(), filter, [&](const LItemRow& row) { rows.Add(row); },
+        [&](const LItem& item) { AddNowhere(nowhere, item, !IsViewer()); });
     rows.Print(Out());
+    if (nowhere.RowCount() == 0) return;
+    Out().Write("<h2 class=sectionhead>Items kept nowhere</h2>");
+    nowhere.Print(Out());
 }
