@@ -179,6 +179,7 @@ bool LAppWebItemPurchaseSellDialog::Receive() {
         return false;
     }
     if (LOrderReceiveItem(Profile(), receipt)) return true;
+    if (item_.IsBuilt()) TokenStaysSpent();  // some components may be in stock already
     PopupBoxError("The stock could not be received. Check the item and the location.");
     return false;
 }
