@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <map>
+#include <optional>
 #include <set>
 
 #include "datastore/NumberText.h"
@@ -115,6 +116,7 @@ std::vector<std::string> GetSubCategories(const LCategory& category) {
 
 LCategoryError LCategorySave(const LProfile& profile, LCategory& category,
                              const LCategoryInput& input) {
+    const LMovementLock lock(profile);  // two new categories must not take one name
     LCategoryError error = Check(profile, category, input);
     if (!error.IsNone()) return error;
     if (!category.IsBound()) LCategoryList(profile).CreateNewRecord(category);
@@ -154,10 +156,11 @@ bool LCategoriesDelete(LUserInterface& ui, const LProfile& profile,
         !AskDelete(ui, kTitle, "Are you sure you want to delete the selected category(s)?")) {
         return false;
     }
-    const std::set<std::string> used = CategoriesInItems(profile);
-    return DeleteChosen(ui, LCategoryList(profile), kTitle, keys,
+    std::optional<std::set<std::string>> used;
+    return DeleteChosen(ui, profile, LCategoryList(profile), kTitle, keys,
                         [&](const LCategory& category) -> std::string {
-                            if (used.count(category.GetPrimaryKey()) == 0) return {};
+                            if (!used) used = CategoriesInItems(profile);
+                            if (used->count(category.GetPrimaryKey()) == 0) return {};
                             return "You can not delete category " + category.GetString("Name") +
                                    " because it may be referenced by items";
                         });

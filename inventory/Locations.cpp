@@ -85,11 +85,17 @@ bool OpenLocation(const LLocationList& list, LLocation& location, std::string_vi
 LLocationError LLocationSave(LUserInterface& ui, const LProfile& profile, LLocation& location,
                              const LLocationInput& input) {
     const std::string_view name = TrimBlanks(input.name);
+    // Until the new name is stored, no movement may add a row with the old one behind our back and
+    // nobody else take the name.
+    const LMovementLock lock(profile);
+    // As it is now: the history bears the name that somebody may have given it since.
+    const std::string key = location.GetPrimaryKey();
+    if (!key.empty() && !LLocationList(profile).Open(location, key)) {
+        return LLocationError::General("This location has been deleted in the meantime.");
+    }
     LLocationError error = Check(profile, location, name);
     if (!error.IsNone()) return error;
 
-    // Until the new name is stored, no movement may add a row with the old one behind our back.
-    const LMovementLock lock(profile);
     std::string failure;
     if (location.IsBound()) {
         const std::string oldName = location.GetString("Name");
@@ -112,7 +118,7 @@ bool LLocationsDelete(LUserInterface& ui, const LProfile& profile,
         !AskDelete(ui, kTitle, "Are you sure you want to delete the selected location(s)?")) {
         return false;
     }
-    return DeleteChosen(ui, LLocationList(profile), kTitle, keys, [&](const LLocation& location) {
-        return DeleteRefusal(profile, location);
-    });
+    return DeleteChosen(
+        ui, profile, LLocationList(profile), kTitle, keys,
+        [&](const LLocation& location) { return DeleteRefusal(profile, location); });
 }

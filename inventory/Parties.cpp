@@ -97,6 +97,7 @@ bool OpenCustomer(const LCustomerList& list, LCustomer& customer, std::string_vi
 LPartyError LSupplierSave(const LProfile& profile, LSupplier& supplier,
                           const LSupplierInput& input) {
     const LSupplierList list(profile);
+    const LMovementLock lock(profile);  // two new ones must not take one name
     LPartyError error =
         Check(list, supplier, TrimBlanks(input.name), TrimBlanks(input.email), kSupplierWords);
     if (!error.IsNone()) return error;
@@ -109,6 +110,7 @@ LPartyError LSupplierSave(const LProfile& profile, LSupplier& supplier,
 LPartyError LCustomerSave(const LProfile& profile, LCustomer& customer,
                           const LCustomerInput& input) {
     const LCustomerList list(profile);
+    const LMovementLock lock(profile);  // two new ones must not take one name
     LPartyError error =
         Check(list, customer, TrimBlanks(input.name), TrimBlanks(input.email), kCustomerWords);
     if (!error.IsNone()) return error;
@@ -126,7 +128,7 @@ bool LSuppliersDelete(LUserInterface& ui, const LProfile& profile,
         !AskDelete(ui, kTitle, "Are you sure you want to delete the selected supplier(s)?")) {
         return false;
     }
-    return DeleteChosen(ui, LSupplierList(profile), kTitle, keys,
+    return DeleteChosen(ui, profile, LSupplierList(profile), kTitle, keys,
                         [&](const LSupplier& supplier) -> std::string {
                             if (!IsSupplierOnAnyOrder(profile, supplier.GetPrimaryKey())) return {};
                             return "You can not delete Supplier " + supplier.GetString("Name") +
@@ -141,6 +143,6 @@ bool LCustomersDelete(LUserInterface& ui, const LProfile& profile,
         !AskDelete(ui, kTitle, "Are you sure you want to delete the selected customer(s)?")) {
         return false;
     }
-    return DeleteChosen(ui, LCustomerList(profile), kTitle, keys,
+    return DeleteChosen(ui, profile, LCustomerList(profile), kTitle, keys,
                         [](const LCustomer&) { return std::string(); });
 }
