@@ -13,6 +13,7 @@
 
 namespace {
 
+constexpr char kMoving[] = "Moving";
 constexpr int kMaxParts = 10000;  // past this a bill is mangled and nothing that anyone builds
 
 // What moves of the items that keep stock: quantities by item key.
@@ -134,6 +135,7 @@ public:
         const LTransferState before = transfer_.State();
         const std::string inTransit = transfer_.GetString("InTransit");
         transfer_.SetString("InTransit", sign < 0 ? FormatParts(profile_, parts) : "");
+        OverwriteField(transfer_, kMoving, "1");
         if (!StoreTransferState(profile_, transfer_, state, step_)) {
             return "The transfer could not be saved.";
         }
@@ -142,7 +144,11 @@ public:
             problem = "The movement history could not be written.";
             static_cast<void>(MoveParts(profile_, parts, -sign, locationName_));
         }
-        if (problem.empty()) return {};
+        transfer_.DeleteField(kMoving);
+        if (problem.empty()) {
+            transfer_.Flush();
+            return {};
+        }
         const std::string name(TransferStateName(state));
         OverwriteField(transfer_, "State", TransferStateName(before));
         OverwriteField(transfer_, "InTransit", inTransit);
@@ -252,6 +258,18 @@ std::string LTransferCancel(const LProfile& profile, std::string_view id,
     return LTransferMove(profile, transfer, step)
         .Run(LTransferState::kCancelled, ParseParts(transfer.GetView("InTransit")), +1, "From",
              TextOf(transfer, "cancelled"));
+}
+
+std::string TransferInterruption(const LProfile& profile, std::string_view id) {
+    LTransfer transfer;
+    const LTransferList transfers(profile);
+    if (!transfers.Load(id, transfer) || !transfer.GetBool(kMoving, false)) return {};
+    const LMovementLock lock(profile);  // a step that is being taken just now is over then
+    if (!transfers.Load(id, transfer) || !transfer.GetBool(kMoving, false)) return {};
+    const bool isArrival = transfer.State() == LTransferState::kReceived;
+    return "The last step of this transfer was interrupted. Compare the stock of its items at " +
+           (isArrival ? transfer.ToName(profile) : transfer.FromName(profile)) +
+           " with what lies there: it may not have changed.";
 }
 
 LTransferError LTransferStock(const LProfile& profile, LTransfer& transfer,

@@ -24,7 +24,8 @@ struct LTransferLine {
 // of locations, "FromName" and "ToName" their names when it was made; "Lines": what is to move, as
 // elements "item key/quantity/item code"; "InTransit": what has left and not arrived, as elements
 // "item key/quantity" of items that keep stock (components in place of built items); "Note"; for
-// each state that was reached "RequestedDate" and "RequestedBy", "SentDate" and so on.
+// each state that was reached "RequestedDate" and "RequestedBy", "SentDate" and so on; "Moving" is
+// "1" from the state being stored until the stock and the history have followed.
 class LTransfer : public LRecord {
 public:
     LTransferState State() const;  // any text that is none reads as cancelled: nothing moves
@@ -77,7 +78,7 @@ LTransferError LTransferRequest(const LProfile& profile, LTransfer& transfer,
 // at the source when it is sent, plus the quantity where it arrives.
 //
 // What a step leaves in the middle of it (the process is killed) is a transfer whose state is ahead
-// of its stock, never stock that moves a second time.
+// of its stock, never stock that moves a second time. It can be told: TransferInterruption.
 
 // Whether stock may be sent that is not there; it goes below zero then, as it may in a sale.
 enum class LShortage { kRefuse, kAllow };
@@ -95,6 +96,10 @@ enum class LShortage { kRefuse, kAllow };
 LTransferError LTransferStock(const LProfile& profile, LTransfer& transfer,
                               const LTransferInput& input, const LTransferStep& step,
                               LTransferState until, LShortage shortage);
+
+// What the person has to know of a transfer whose last step was cut off in the middle of it, in
+// words; empty for any other. The next step that is done ends it.
+std::string TransferInterruption(const LProfile& profile, std::string_view id);
 
 // A sentence for each item of which the source does not hold what the transfer needs; the quantity
 // of a built item counts by its components.

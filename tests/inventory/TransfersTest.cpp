@@ -93,6 +93,21 @@ TEST_F(Transfers, EachStepIsTakenOnceAndOnlyInItsState) {
     EXPECT_EQ(Stock(), "BOLT 5/0 NUT 6/0");
 }
 
+TEST_F(Transfers, AStepThatWasCutOffIsTold) {
+    const std::string id = Request({{"BOLT", "2"}});
+    EXPECT_EQ(Send(id), "");
+    EXPECT_EQ(TransferInterruption(shop_.profile, id), "") << "done is done";
+    LTransfer transfer;
+    ASSERT_TRUE(LTransferList(shop_.profile).Open(transfer, id));
+    transfer.SetString("Moving", "1");  // as a process leaves it that is killed before the stock
+    ASSERT_TRUE(transfer.Flush());
+    EXPECT_EQ(TransferInterruption(shop_.profile, id),
+              "The last step of this transfer was interrupted. Compare the stock of its items at "
+              "Main with what lies there: it may not have changed.");
+    EXPECT_EQ(LTransferReceive(shop_.profile, id, kBob), "");
+    EXPECT_EQ(TransferInterruption(shop_.profile, id), "") << "the next step was whole";
+}
+
 TEST_F(Transfers, WhatIsTypedIsCheckedInItsOrder) {
     struct Case {
         LTransferInput input;

@@ -157,6 +157,10 @@ void LWebTransferViewDialog::Generate() {
     StartRow().AddStatic("State").AddStaticBold(TransferStateName(transfer_.State()));
     StartRow().AddStatic("From").AddStatic(transfer_.FromName(Profile()));
     StartRow().AddStatic("To").AddStatic(transfer_.ToName(Profile()));
+    const std::string interruption = TransferInterruption(Profile(), transfer_.GetPrimaryKey());
+    if (!interruption.empty()) {
+        StartRow().AddRawHTML(FormatText("<div class=problem>%H</div>", interruption));
+    }
     LTransferLinesTable lines(Profile(), transfer_);
     StartRow().AddList(lines.Table());
     AddStep("Requested", LTransferState::kRequested);
