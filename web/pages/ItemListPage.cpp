@@ -237,6 +237,7 @@ void LAppWebItemsPage::PrintTable(const LItemListFilter& filter) {
     FillItemList(
         Profile(), filter, [&](const LItemRow& row) { rows.Add(row); },
         [&](const LItem& item) { AddNowhere(nowhere, item, !IsViewer()); });
+    if (nowhere.RowCount() > 0) table.SetEmptyText("No item that lies at a location matches.");
     rows.Print(Out());
     if (nowhere.RowCount() == 0) return;
     Out().Write("<h2 class=sectionhead>Items kept nowhere</h2>");
