@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <ctime>
 #include <filesystem>
+#include <vector>
 
 #include "datastore/BackupContents.h"
 #include "datastore/FolderTreeCopy.h"
@@ -53,6 +54,20 @@ bool SetMark(const std::string& folder) {
 
 bool RemoveMark(const std::string& folder) {
     return ::unlink((folder + "/" + kIncompleteBackupMark).c_str()) == 0;
+}
+
+// Removes the folders below `folder` that hold no file: a copy that was stopped before its first
+// file may have made some.
+void RemoveEmptyFolders(const std::string& folder) {
+    std::vector<std::string> folders;  // the inner ones behind those that they are in
+    std::error_code error;
+    for (std::filesystem::recursive_directory_iterator entry(folder, error), end;
+         !error && entry != end; entry.increment(error)) {
+        folders.push_back(entry->path().string());
+    }
+    for (auto inner = folders.rbegin(); inner != folders.rend(); ++inner) {
+        ::rmdir(inner->c_str());  // what is no folder, or not empty, stays
+    }
 }
 
 // Whether `folder` is the shared data folder or lies in it, links resolved.
@@ -129,6 +144,7 @@ private:
         // Nothing is moved away under a service that writes.
         if (!rest.Rests()) return TellFailure();
         const std::string aside = GetUserDataFolderApp() + "/" + std::to_string(std::time(nullptr));
+        MakeFolderTree(GetUserDataFolderApp());  // the shared data may lie elsewhere
         if (LFile::RenameFile(shared_, aside, kRenameMs)) return Load(backup, aside);
         // Nothing is restored when only this last attempt moves the data away: deliberately.
         if (!LFile::RenameFile(shared_, aside, 0)) TellFailure();
@@ -144,15 +160,15 @@ private:
                            [&](LProcessInterface& process) { return copy.Run(&process); })) {
             // A backup of the previous version, or one made by hand, comes without the mark.
             LFileMarkSharedFolderMigrated(shared_);
-            LFile::RemoveFolderTree(aside);
             ui_.Inform("Data Restore Success", "The data was restored successfully.");
-            return;
+        } else {
+            // Succeeds only while the new folder is empty.
+            if (copy.FilesCopied() == 0) RemoveEmptyFolders(shared_);
+            (void)LFile::RenameFile(aside, shared_, 0);
+            TellFailure();
         }
-        // Succeeds only while the new folder is empty. Either way nothing is kept aside: the order
-        // of these steps is the documented one.
-        (void)LFile::RenameFile(aside, shared_, 0);
+        // Either way nothing is kept aside: the order of these steps is the documented one.
         LFile::RemoveFolderTree(aside);
-        TellFailure();
     }
 
     void TellFailure() {

@@ -28,8 +28,9 @@ using LBackupTest = std::function<bool(const std::string& folder)>;
 // as `validate` refuses. Returns false only when the user gives up after a refused folder.
 //
 // The data of before are moved to a folder of the user's application data folder, named by the
-// seconds since 1970, and deleted at the end. A copy that fails or is stopped before anything was
+// seconds since 1970, and deleted at the end. A copy that fails or is stopped before any file was
 // written puts them back; one that fails later leaves its part and not them, which is how it has
-// always been: have `validate` look closely. A process that is killed leaves them there, whole.
+// always been: have `validate` look closely. A process that is killed leaves them there, whole; so
+// does a move that works only at its last attempt: nothing is restored then, and nothing told.
 bool LRestoreFolder(LUserInterface& ui, LBackgroundService& service,
                     const std::string& suggestedFolder, const LBackupTest& validate = nullptr);

@@ -2,6 +2,7 @@
 
 #include "datastore/Backup.h"
 #include "datastore/BackupContents.h"
+#include "platform/Folders.h"
 #include "service/agent/AgentBackgroundService.h"
 
 namespace {
@@ -92,5 +93,10 @@ std::string LRestoreFromCommandLine(const std::string& folder, std::ostream& out
     });
     if (!problem.empty()) return problem;
     if (!wasGood) return "The folder lies inside the data folder that it would replace.";
+    if (user.LastTold().empty()) {
+        return "Nothing was restored: the data could be moved away only late. They lie in the "
+               "newest of the numbered folders of " +
+               GetUserDataFolderApp() + ".";
+    }
     return user.LastTold() == "The data was restored successfully." ? "" : user.LastTold();
 }

@@ -244,7 +244,7 @@ TEST_F(Backup, RestoreStoppedBeforeTheFirstFilePutsTheDataBack) {
     const std::string backup = MakeBackup();
     AddItem(LProfile(), "new");
     const LTree before = TreeOf(shared_);
-    for (const size_t count : {0, 2}) {
+    for (const size_t count : {0, 1, 2}) {  // with 1 only folders have been made
         LScriptedUserInterface ui;
         LFakeService service;
         ui.CancelAfterStatus(count);
@@ -253,7 +253,7 @@ TEST_F(Backup, RestoreStoppedBeforeTheFirstFilePutsTheDataBack) {
         EXPECT_EQ(service.calls, "stop start ");
         EXPECT_TRUE(SetAside().empty());
         // Stopped later it leaves its part: the documented order of steps.
-        EXPECT_EQ(TreeOf(shared_) == before, count == 0);
+        EXPECT_EQ(TreeOf(shared_) == before, count < 2);
         EXPECT_EQ(TreeOf(shared_).size() == 1, count == 2);
     }
 }
