@@ -43,7 +43,11 @@ void Refuse(LWebletForm& form, const std::string& message) {
     SendRaw(form, std::string_view(message).substr(0, kRefusalBytes));
 }
 
-bool IsTest(const LWebletForm& form) { return form.Parameter("test") == "true"; }
+// Either spelling: taken for no test it would move stock.
+bool IsTest(const LWebletForm& form) {
+    const std::string value = form.Parameter("test");
+    return value == "true" || value == "1";
+}
 
 std::string LocationParameter(const LWebletForm& form) {
     return std::string(CutText(form.Parameter("loc")));

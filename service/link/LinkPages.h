@@ -7,7 +7,8 @@
 class LWebletForm;
 
 // "auth", "loc", "item", "qty": adds "qty" (a number as the business writes it; negative takes out)
-// to the item's stock at the location. With "test" being "true" only code and location are checked.
+// to the item's stock at the location. With "test" being "true" or "1" only code and
+// location are checked.
 void WLLinkQuantityChange(LWebletForm& form);
 
 // "auth", "loc", "sinceseconds": a greeting and the item file as a download, for all items or for
