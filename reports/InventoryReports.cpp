@@ -127,6 +127,13 @@ public:
     }
 
     const std::vector<LPlace>& Places() const { return places_; }
+    size_t GroupCount() const {
+        size_t count = places_.empty() ? 0 : 1;
+        for (size_t i = 1; i < places_.size(); ++i) {
+            if (places_[i].group != places_[i - 1].group) ++count;
+        }
+        return count;
+    }
 
     std::string GroupName(const LStockLine& line) const {
         const LStockItem& item = stock_.items[line.item];
@@ -263,6 +270,7 @@ void LInventoryReport::GenerateReport() {
     const LRowFormat format(Profile(), layout_, stock);
     const LGroupedLines grouped(stock, layout_.group);
     const int digits = Profile().CurrencyDigits();
+    ReserveRows(stock.lines.size() + 2 * grouped.GroupCount() + 1);
     LStockSum total(digits), subtotal(digits);
     std::optional<size_t> group;
     std::string groupName;

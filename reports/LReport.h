@@ -70,6 +70,7 @@ protected:
     const LProfile& Profile() const { return profile_; }
     // Forgets the rows and the problem.
     void Clear();
+    void ReserveRows(size_t count) { rows_.reserve(count); }
     LReportRow& AddRow(LReportRowKind kind = LReportRowKind::kRow);  // with empty cells
     void AddCells(std::vector<std::string> cells, std::string itemId = {}) {
         rows_.push_back({LReportRowKind::kRow, std::move(cells), std::move(itemId)});

@@ -77,9 +77,10 @@ private:
 }  // namespace
 
 size_t LNameNumbers::Add(std::string_view name) {
-    const auto [place, isNew] = numbers_.try_emplace(std::string(name), names_.size());
-    if (isNew) names_.emplace_back(name);
-    return place->second;
+    const auto found = numbers_.find(name);
+    if (found != numbers_.end()) return found->second;
+    names_.emplace_back(name);
+    return numbers_.emplace(name, names_.size() - 1).first->second;
 }
 
 LStockLines ReadStockLines(const LProfile& profile, const LStockLineChoice& choice,

@@ -1,6 +1,7 @@
 // What the inventory reports are made of: a line for each item and location, read in one pass.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -18,8 +19,14 @@ public:
     size_t Count() const { return names_.size(); }
 
 private:
+    struct LTextHash {
+        using is_transparent = void;  // looked up without a copy of the name
+        size_t operator()(std::string_view text) const {
+            return std::hash<std::string_view>()(text);
+        }
+    };
     std::vector<std::string> names_;
-    std::unordered_map<std::string, size_t> numbers_;
+    std::unordered_map<std::string, size_t, LTextHash, std::equal_to<>> numbers_;
 };
 
 struct LStockItem {
