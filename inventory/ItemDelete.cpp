@@ -48,13 +48,27 @@ bool RemoveLocation(const LProfile& profile, LItem& item, std::string_view locat
     return !entries.empty();
 }
 
+constexpr char kDeletedItems[] = "DeletedItems";  // a record of "Misc"
+
+std::string DeletedItemField(std::string_view itemId) { return "Item" + std::string(itemId); }
+
+// The history names items by their keys alone: its reports would not know how this one was called.
+void RememberDeleted(const LProfile& profile, const std::string& id, const std::string& code) {
+    LRecord record;
+    profile.OpenSettings(record, kDeletedItems);
+    record.SetString(DeletedItemField(id), code);
+    record.Flush();
+}
+
 // Each gives the words of the refusal, empty when nothing stood in the way.
 std::string DeleteRecord(const LProfile& profile, LItem& item, LDeleteFrom from) {
     const std::string id = item.GetPrimaryKey(), code = item.GetString("Name");
     if (from == LDeleteFrom::kMainWindow) DeletePicture(profile, item);
     item.Invalidate();
     ForgetItemCode(profile, code);
-    return profile.Items().Delete(id) ? std::string() : "Item " + code + " could not be deleted.";
+    if (!profile.Items().Delete(id)) return "Item " + code + " could not be deleted.";
+    if (from == LDeleteFrom::kItemListWindow) RememberDeleted(profile, id, code);
+    return {};
 }
 
 std::string DeleteRow(const LProfile& profile, const LItemListRow& row, LDeleteFrom from) {
@@ -100,4 +114,10 @@ bool LItemsDelete(LUserInterface& ui, const LProfile& profile,
 bool LItemsDeleteFromItemList(LUserInterface& ui, const LProfile& profile,
                               const std::vector<LItemListRow>& rows) {
     return DeleteRows(ui, profile, rows, LDeleteFrom::kItemListWindow);
+}
+
+std::string DeletedItemCode(const LProfile& profile, std::string_view itemId) {
+    LRecord record;
+    profile.OpenSettings(record, kDeletedItems);
+    return record.GetString(DeletedItemField(itemId));
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "datastore/LProfile.h"
@@ -24,3 +25,7 @@ bool LItemsDelete(LUserInterface& ui, const LProfile& profile,
 // removed; the picture file stays.
 bool LItemsDeleteFromItemList(LUserInterface& ui, const LProfile& profile,
                               const std::vector<LItemListRow>& rows);
+
+// The code that an item of that key had when it was deleted while the history named it or may have;
+// empty when nobody knows.
+std::string DeletedItemCode(const LProfile& profile, std::string_view itemId);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 
+#include "inventory/ItemDelete.h"
 #include "inventory/LItem.h"
 #include "inventory/StockHistory.h"
 #include "platform/CaseFolding.h"
@@ -87,7 +88,8 @@ private:
         sold.itemId = key;
         sold.isGone = !profile_.Items().Open(item, key);
         if (sold.isGone) {
-            sold.code = "Deleted item " + key;
+            sold.code = DeletedItemCode(profile_, key);
+            if (sold.code.empty()) sold.code = "Deleted item " + key;
         } else {
             sold.cost = item.Cost();
             sold.price = item.Price();

@@ -6,7 +6,8 @@
 
 // From the sales history. Cost and price of a unit are those of the item as it is now (the history
 // keeps no cost); sales are what the history has. What was damaged or lost stands apart, and the
-// total counts both. An item that is gone is counted under its number, at no cost.
+// total counts both. An item that is gone is counted under its last known code, or else its number,
+// at no cost.
 class LReportSales final : public LReport {
 public:
     explicit LReportSales(const LProfile& profile);     // today, unless SetDates is called

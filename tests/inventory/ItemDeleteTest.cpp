@@ -137,6 +137,7 @@ TEST_F(ItemDelete, TheItemListWindowLooksAtOrdersFirstAndAtNothingElse) {
     EXPECT_TRUE(IsThere(c));
     EXPECT_EQ(Delete(LItemsDeleteFromItemList, {{"C", "Main"}}), kNothingSaid);
     EXPECT_FALSE(IsThere(c));
+    EXPECT_EQ(DeletedItemCode(shop_.Profile(), c), "C") << "for reports on the history";
     EXPECT_TRUE(FileExists(picture));
 }
 
