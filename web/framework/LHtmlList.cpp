@@ -80,30 +80,31 @@ bool LListSortKey::operator<(const LListSortKey& other) const {
 
 LHtmlListRow::LHtmlListRow(const LHtmlList& list) : list_(&list) { html_.reserve(list.rowBytes_); }
 
-void LHtmlListRow::StartCell(std::string_view order, std::string_view arguments) {
-    if (column_ < list_->columns_.size()) {
-        html_ += list_->columns_[column_].cellStart;
-    } else {
-        html_ += "<td align=left class=hltd";
-    }
-    if (!order.empty()) {
-        html_ += " data-order='";
-        AppendEscaped(html_, order);
-        html_ += '\'';
-    }
-    if (!arguments.empty()) {
-        html_ += " data-args='";
-        AppendEscaped(html_, arguments);
-        html_ += '\'';
-    }
-    if (span_ > 1) html_ += FormatText(" colspan=%lu", span_);
-    html_ += '>';
+LHtmlListCell::LHtmlListCell(LHtmlListRow& row, std::string_view order, std::string_view arguments)
+    : row_(row) {
+    const auto& columns = row.list_->columns_;
+    AddMarkup(row.column_ < columns.size() ? std::string_view(columns[row.column_].cellStart)
+                                           : "<td align=left class=hltd");
+    if (!order.empty()) AddMarkup(" data-order='").AddText(order).AddMarkup("'");
+    if (!arguments.empty()) AddMarkup(" data-args='").AddText(arguments).AddMarkup("'");
+    if (row.span_ > 1) AddMarkup(FormatText(" colspan=%lu", row.span_));
+    AddMarkup(">");
 }
 
-void LHtmlListRow::EndCell() {
-    html_ += "</td>";
-    column_ += span_;
-    span_ = 1;
+LHtmlListCell::~LHtmlListCell() {
+    AddMarkup("</td>");
+    row_.column_ += row_.span_;
+    row_.span_ = 1;
+}
+
+LHtmlListCell& LHtmlListCell::AddText(std::string_view text) {
+    AppendEscaped(row_.html_, text);
+    return *this;
+}
+
+LHtmlListCell& LHtmlListCell::AddMarkup(std::string_view html) {
+    row_.html_ += html;
+    return *this;
 }
 
 void LHtmlListRow::KeepKey(std::string_view key) {
@@ -113,17 +114,13 @@ void LHtmlListRow::KeepKey(std::string_view key) {
 
 LHtmlListRow& LHtmlListRow::AddCell(std::string_view text) {
     KeepKey(text);
-    StartCell({});
-    AppendEscaped(html_, text);
-    EndCell();
+    LHtmlListCell(*this).AddText(text);
     return *this;
 }
 
 LHtmlListRow& LHtmlListRow::AddCellWithOrder(std::string_view text, std::string_view order) {
     KeepKey(order);
-    StartCell(order);
-    AppendEscaped(html_, text);
-    EndCell();
+    LHtmlListCell(*this, order).AddText(text);
     return *this;
 }
 
@@ -136,21 +133,18 @@ LHtmlListRow& LHtmlListRow::AddCellWithOrder(std::string_view text, double order
 
 LHtmlListRow& LHtmlListRow::AddCellHtml(std::string_view html, std::string_view order) {
     KeepKey(order);
-    StartCell(order);
-    html_ += html;
-    EndCell();
+    LHtmlListCell(*this, order).AddMarkup(html);
     return *this;
 }
 
 LHtmlListRow& LHtmlListRow::AddCellLink(std::string_view target, std::string_view text) {
     KeepKey(text);
-    StartCell({});
-    html_ += "<a href='";
-    AppendEscaped(html_, target);
-    html_ += "'>";
-    AppendEscaped(html_, text);
-    html_ += "</a>";
-    EndCell();
+    LHtmlListCell(*this)
+        .AddMarkup("<a href='")
+        .AddText(target)
+        .AddMarkup("'>")
+        .AddText(text)
+        .AddMarkup("</a>");
     return *this;
 }
 
@@ -163,13 +157,13 @@ LHtmlListRow& LHtmlListRow::AddCellImageLink(std::string_view target, std::strin
 LHtmlListRow& LHtmlListRow::AddCellPullDownList(int id, std::span<const std::string> texts,
                                                 std::string_view selected, std::string_view name) {
     KeepKey(selected);
-    StartCell(selected);
-    html_ += FormatText("<select id=%d name=%d aria-label='%H'>", id, id, name);
+    LHtmlListCell cell(*this, selected);
+    cell.AddMarkup(FormatText("<select id=%d name=%d aria-label='%H'>", id, id, name));
     for (const std::string& text : texts) {
-        html_ += FormatText("<option%s>%H</option>", text == selected ? " selected" : "", text);
+        cell.AddMarkup(
+            FormatText("<option%s>%H</option>", text == selected ? " selected" : "", text));
     }
-    html_ += "</select>";
-    EndCell();
+    cell.AddMarkup("</select>");
     return *this;
 }
 
@@ -184,8 +178,7 @@ LHtmlListRow& LHtmlListRow::SetClass(std::string_view name) {
 }
 
 LHtmlListRow& LHtmlListRow::AddCellActions(std::string_view query) {
-    StartCell({}, query);
-    EndCell();
+    const LHtmlListCell cell(*this, {}, query);
     return *this;
 }
 

@@ -11,6 +11,7 @@
 
 class LPageWriter;
 class LHtmlList;
+class LHtmlListRow;
 
 enum class LCellAlign { kLeft, kCenter, kRight };
 
@@ -33,6 +34,24 @@ private:
     std::string text_;  // folded; empty for a number
     double number_ = 0;
     bool isNumber_ = false;
+};
+
+// One cell of a row while it is written: begun when it is made, closed when it goes.
+class LHtmlListCell {
+public:
+    // `order` is what the column is sorted by in place of what the cell shows; empty: nothing else.
+    // `arguments` are those of the row's actions.
+    explicit LHtmlListCell(LHtmlListRow& row, std::string_view order = {},
+                           std::string_view arguments = {});
+    ~LHtmlListCell();
+    LHtmlListCell(const LHtmlListCell&) = delete;
+    LHtmlListCell& operator=(const LHtmlListCell&) = delete;
+
+    LHtmlListCell& AddText(std::string_view text);    // of any origin
+    LHtmlListCell& AddMarkup(std::string_view html);  // of the program's own
+
+private:
+    LHtmlListRow& row_;
 };
 
 // One row, filled cell by cell in the order of the columns. Each cell is written out when it is
@@ -85,8 +104,7 @@ public:
 
 private:
     friend class LHtmlList;
-    void StartCell(std::string_view order, std::string_view arguments = {});
-    void EndCell();
+    friend class LHtmlListCell;
     void KeepKey(std::string_view key);
 
     const LHtmlList* list_;
@@ -142,6 +160,7 @@ public:
 
 private:
     friend class LHtmlListRow;
+    friend class LHtmlListCell;
     enum class LTitleKind { kText, kMarkup };
     struct LColumn {
         LHtmlListColumn column;
