@@ -2,6 +2,7 @@
 
 #include "datastore/Businesses.h"
 #include "datastore/LProfile.h"
+#include "web/accounts/LWebAccount.h"
 #include "web/server/LWebletForm.h"
 
 std::string AccessCodeOf(const std::string& businessFolder) {
@@ -21,7 +22,7 @@ bool WLValidateAuthKey(const LWebletForm& form, LProfile& profile, std::string& 
     for (InvBusinessIterator business; business.IsValid(); business.Next()) {
         const std::string stored = AccessCodeOf(business.Current().folder);
         isAnyEnabled = isAnyEnabled || !stored.empty();
-        if (stored != code) continue;
+        if (!EqualInConstantTime(stored, code)) continue;
         profile.SetDatabaseName(business.Current().folder);
         return true;
     }
