@@ -110,11 +110,16 @@ bool LWebSelectProfileDialog::Authenticate() {
 bool LWebSelectProfileDialog::Prepare() {
     if (!OpenSignedInAccount(Form(), account_)) return false;
     businesses_ = ListBusinesses();
-    std::erase_if(businesses_, [this](const LBusiness& business) {
-        return !account_.MayOpenBusiness(business.name);
-    });
+    if (!account_.IsAdministrator()) KeepAllowedBusinesses();
     if (businesses_.empty()) PopupBoxError(kNoBusinesses);
     return true;
+}
+
+void LWebSelectProfileDialog::KeepAllowedBusinesses() {
+    const std::vector<std::string> allowed = account_.AllowedBusinessNames();
+    std::erase_if(businesses_, [&allowed](const LBusiness& business) {
+        return std::find(allowed.begin(), allowed.end(), business.name) == allowed.end();
+    });
 }
 
 void LWebSelectProfileDialog::Generate() {

@@ -35,6 +35,8 @@ protected:
     bool CmOk() override;
 
 private:
+    void KeepAllowedBusinesses();
+
     LAppWebAccount account_;
     std::vector<LBusiness> businesses_;  // those that the account may open
 };
