@@ -7,7 +7,18 @@ import { PAGES } from './pages.test.mjs';
 
 const AXE = createRequire(import.meta.url).resolve('axe-core/axe.min.js');
 const WITHOUT_SESSION = ['logon', 'lostpassword', 'lostpasswordsent', 'userdelete'];
-const FURTHER = ['chooseprofile', 'changepassword', 'changepasswordchanged', 'guide/index.html'];
+const KINDS = ['all', 'loccat', 'location', 'category', 'image', 'supplier', 'sales'];
+const FURTHER = ['chooseprofile', 'changepassword', 'changepasswordchanged', 'guide/index.html',
+    'itemprop', 'catprop', 'locprop', 'supplierprop', 'customerprop', 'userprop?id=owner%40example.com',
+    'itemlist?stock=Below%20warning%20level', 'itemtransfer', 'catdelete?id=1', 'supplierdelete?id=1',
+    'orderlowstockitems', 'orderlowstockitems?mode=Items%20with%20current%20stock%20a%20percentage%20below%20ideal%20quantity', 'orderschedule',
+    'reports', ...KINDS.map((kind) => 'generatereport?kind=' + kind), 'reportlowlevel', 'reportbackorder',
+    'reportlocation', 'reportcatimage', 'reportsupplier', 'reportsales'];
+// What is only there once something was ordered and moved.
+const OF_RECORDS = ['orderlist', 'orderprop?id=10000', 'itemonorderlist', 'orderreceive?id=10000',
+    'orderschedule', 'orderschedule?id=RCR1', 'runrecurringorder', 'transferlist', 'transferview?id=TRF1',
+    'transfersend?id=TRF1', 'transfernote?id=TRF1', 'transfercancel?id=TRF1', 'reportbackorder'];
+const PHONE_AGENT = 'Mozilla/5.0 (Linux; Android 14; Phone) Mobile';
 
 async function faults(page) {
     await page.addScriptTag({ path: AXE });
@@ -20,6 +31,7 @@ async function inspectAll(page, shop, names) {
     const found = [];
     for (const name of names) {
         await page.goto(shop.url + name);
+        assert.equal(new URL(page.url()).pathname, '/' + name.replace(/\?.*/, ''), 'it is there');
         found.push(...(await faults(page)).map((fault) => `${name}: ${fault}`));
     }
     assert.deepEqual(found, []);
@@ -72,6 +84,37 @@ async function byKeyboard(browser, shop) {
     await page.context().close();
 }
 
+// Orders what is low, makes one order repeat and asks for a transfer.
+async function makeRecords(page, shop) {
+    const press = (label, target) => Promise.all([page.waitForURL((url) => url.pathname === '/' + target),
+        page.click(`input[name=submit][value="${label}"]`)]);
+    await page.goto(shop.url + 'orderlowstockitems');
+    await press('Place orders', 'orderlist');
+    await page.goto(shop.url + 'orderschedule?id=10000');
+    await press('  OK  ', 'orderschedule');
+    await page.goto(shop.url + 'itemtransfer?id=1&loc=Shop%20Floor');
+    await page.selectOption(control(102), 'Stockroom');
+    await page.fill(control(1001), '1');
+    await page.selectOption(control(103), 'Requested');
+    await press('  OK  ', 'itemlist');
+}
+
+// A phone says so itself; the person may choose otherwise, and is remembered.
+async function layoutForPhones(browser, shop) {
+    const context = await browser.newContext({ userAgent: PHONE_AGENT, viewport: { width: 390, height: 844 } });
+    const page = await context.newPage();
+    const isCompact = async () => !(await page.$('.headertable')) && !!(await page.$('meta[name=viewport]'));
+    await logOn(page, shop);
+    assert.equal(await isCompact(), true);
+    await Promise.all([page.waitForEvent('load'), page.click('text=Full layout')]);
+    assert.equal(await isCompact(), false);
+    await page.goto(shop.url + 'itemlist');
+    assert.equal(await isCompact(), false, 'remembered');
+    await Promise.all([page.waitForEvent('load'), page.click('text=Layout for phones')]);
+    assert.equal(await isCompact(), true);
+    await context.close();
+}
+
 export default async function accessibility({ test, browser, executable }) {
     const shop = new Shop(executable);
     try {
@@ -84,10 +127,14 @@ export default async function accessibility({ test, browser, executable }) {
         await test('nor has one with an error', async () => assert.deepEqual(await faults(page), []));
         await logOn(page, shop);
         await test('nor has any page behind it', () => inspectAll(page, shop, [...PAGES, ...FURTHER]));
+        await makeRecords(page, shop);
+        await test('nor one of what was ordered and moved', () => inspectAll(page, shop, OF_RECORDS));
         await page.context().addCookies([{ name: 'quillmarsh_layout', value: 'compact', url: shop.url }]);
         await page.setViewportSize({ width: 390, height: 844 });
-        await test('nor has one in the layout for phones', () => inspectAll(page, shop, PAGES));
+        await test('nor has one in the layout for phones', () =>
+            inspectAll(page, shop, [...PAGES, ...FURTHER, ...OF_RECORDS]));
         await page.context().close();
+        await test('a phone gets the layout for phones, unless the person chose', () => layoutForPhones(browser, shop));
         await test('logon, list, dialog, error and success by keyboard alone', () => byKeyboard(browser, shop));
     } finally {
         await shop.tearDown();

@@ -172,7 +172,7 @@ void LWebOrderRecurringDialog::AddRow(LHtmlList& table, const LPOrder& recurring
     if (IsViewer()) return;
     row.AddCellPrintF(
         "<span class=rowactions><a href='orderschedule?id=%U' aria-label='Schedule of %H'>Schedule"
-        "</a> <a href='runrecurringorder?id=%U' aria-label='Run %H now'>Run now</a> "
+        "</a> <a href='runrecurringorder?id=%U' aria-label='Run now: %H'>Run now</a> "
         "<a href='orderdelete?id=%U' aria-label='Delete %H'>Delete</a></span>",
         id, id, id, id, id, id);
 }
