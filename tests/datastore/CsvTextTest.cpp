@@ -31,14 +31,11 @@ TEST(CsvText, ListFieldsSplitAtTheirCommas) {
         {"\"1/12.00/5.00/20.00\",\"3/0.00/0.00/0.00\",",
          {"1/12.00/5.00/20.00", "3/0.00/0.00/0.00"}},
         {"", {}},
-        {",", {""}},
         {"a,,b", {"a", "", "b"}},
         {"\"a\"\"b\",", {"a\"b"}},
         {"\"a, b\" , \"c\"", {"a, b ", "c"}},
         {"\"never closed, x", {"never closed, x"}},
         {"a\"b,c\"d", {"a\"b", "c\"d"}},
-        {"\"a\nb\"", {"a\nb"}},
-        {"\"", {""}},
     };
     for (const auto& c : kCases) EXPECT_EQ(ParseCsvRow(c.text), c.elements) << c.text;
 }

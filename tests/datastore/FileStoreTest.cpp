@@ -98,20 +98,6 @@ TEST_F(FileStore, OpenAlwaysCreatesOnTheFirstSave) {
     EXPECT_EQ(record.GetLoadedKey(), "Options");
 }
 
-TEST_F(FileStore, LoadOnlyFillsTheFields) {
-    Put("1", "a=1&&=x&b");
-    LRecord record;
-    record.SetString("old", "x");
-    EXPECT_FALSE(list_.Load("2", record));
-    EXPECT_EQ(record.GetString("old"), "x");
-    EXPECT_TRUE(list_.Load("1", record));
-    EXPECT_EQ(record.Fields().Count(), 2U);
-    EXPECT_FALSE(record.IsBound());
-    Put("empty", "");
-    EXPECT_TRUE(list_.Load("empty", record));
-    EXPECT_EQ(record.Fields().Count(), 0U);
-}
-
 TEST_F(FileStore, ConcurrentSavesCombineFieldByField) {
     Put("1", "a=1&b=1&c=1");
     LRecord ours, theirs;
@@ -129,15 +115,6 @@ TEST_F(FileStore, ConcurrentSavesCombineFieldByField) {
     theirs.SetString("b", "again");
     EXPECT_TRUE(theirs.Flush());
     EXPECT_EQ(TextOf("1"), "a=ours&b=again&c=1&new=field");
-}
-
-TEST_F(FileStore, CreatingOverARecordMergesWithIt) {
-    Put("Options", "a=1&b=1");
-    LRecord record;
-    list_.CreateNewRecord(record, "Options");
-    record.SetString("b", "2");
-    EXPECT_TRUE(record.Flush());
-    EXPECT_EQ(TextOf("Options"), "b=2&a=1");
 }
 
 TEST_F(FileStore, ADeletedFieldIsLeftOutOnceAndOnlyOnce) {
@@ -187,11 +164,9 @@ TEST_F(FileStore, ANewKeyRenamesTheFileUnlessItIsTaken) {
         {"TWO", "taken", "TWO", "another record has it"},
         {"TWO", "Taken", "Taken", "in these letters it is free"},
         {"Taken", "taken", "Taken", "a different file bears it in these letters"},
-        {"Taken", "folder", "Taken", "a folder is in the way"},
     };
     Put("one", "a=1");
     Put("taken", "a=other");
-    std::filesystem::create_directory(home_.File("Items/folder.dat"));
     for (const Case& c : kCases) {
         LRecord record;
         ASSERT_TRUE(list_.Open(record, c.from)) << c.why;
@@ -204,18 +179,6 @@ TEST_F(FileStore, ANewKeyRenamesTheFileUnlessItIsTaken) {
         EXPECT_EQ(TextOf("taken"), "a=other");
         EXPECT_EQ(home_.FileCount(), 2) << c.why;
     }
-}
-
-TEST_F(FileStore, RenamingARecordThatIsGoneSavesItUnderItsOldKey) {
-    Put("old", "a=1");
-    LRecord record;
-    ASSERT_TRUE(list_.Open(record, "old"));
-    EXPECT_TRUE(list_.Delete("old"));
-    record.SetPrimaryKey("new");
-    EXPECT_TRUE(record.Flush());
-    EXPECT_EQ(record.GetPrimaryKey(), "old");
-    EXPECT_EQ(TextOf("old"), "a=1");
-    EXPECT_FALSE(list_.TestRecordExists("new"));
 }
 
 TEST_F(FileStore, WalksItsRecordFilesAndNothingElse) {
@@ -280,20 +243,4 @@ TEST_F(FileStore, WhatCannotBeWrittenIsTriedAgainWithTheNextSave) {
     EXPECT_TRUE(record.Flush() && fresh.Flush());
     EXPECT_EQ(TextOf("Tax"), "a=1&c=1");
     EXPECT_EQ(TextOf("1"), "b=1&c=1");
-}
-
-TEST(UnboundRecord, HasAKeyAndNoFile) {
-    LRecord source, record;
-    source.SetPrimaryKey("7");
-    source.SetString("a", "1");
-    InitUnboundRecord(record, source);
-    EXPECT_EQ(record.GetPrimaryKey(), "7");
-    EXPECT_EQ(record.GetString("a"), "1");
-    record.SetString("a", "2");
-    EXPECT_TRUE(record.Flush());
-    EXPECT_FALSE(record.IsDirty());
-    EXPECT_EQ(source.GetString("a"), "1");
-    UnboundListBase::OpenAlways(record, "8");
-    EXPECT_EQ(record.GetPrimaryKey(), "8");
-    EXPECT_EQ(record.Fields().Count(), 0U);
 }

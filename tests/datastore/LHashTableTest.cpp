@@ -2,16 +2,6 @@
 
 #include <gtest/gtest.h>
 
-TEST(LHashTable, WritesInTheOrderOfTheNames) {
-    LHashTable table;
-    table.SetString("b", "2");
-    table.SetParmBottom("a", "x y");
-    table.SetParm("c", "");
-    table.SetString("b", "3&");
-    EXPECT_EQ(table.SaveHTTPString(), "a=x%20y&b=3%26&c=");
-    EXPECT_EQ(LHashTable().SaveHTTPString(), "");
-}
-
 TEST(LHashTable, LoadingAddsAndTheLastOfANameWins) {
     LHashTable table;
     table.SetString("old", "1");

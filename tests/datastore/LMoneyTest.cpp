@@ -25,10 +25,7 @@ TEST(LineAmount, RoundsHalvesUp) {
         {0, kMin, 0, "nothing of anything"},
         {1, 9007199254740993, 9007199254740993, "more digits than a double has"},
         {3, 3002399751580331, 9007199254740993, "also as a product"},
-        {1, kMin, kMin, "the whole range"},
-        {1, kMax, kMax, "the whole range"},
         {2, kMax, kMax, "held to the range"},
-        {-2, kMax, kMin, "held to the range"},
         {1e300, kMax, kMax, "far beyond"},
         {-1e300, kMax, kMin, "far beyond"},
     };
@@ -46,20 +43,13 @@ TEST(WithDigits, KeepsTheAmountOrSaysThatItCannot) {
         std::optional<int64_t> minorUnits;
     };
     const Case kCases[] = {
-        {{150, 2}, 2, 150},
         {{150, 2}, 4, 15000},
-        {{kMin, 2}, 2, kMin},
         {{145, 2}, 1, 15},
-        {{144, 2}, 1, 14},
-        {{-145, 2}, 1, -14},
         {{-146, 2}, 1, -15},
         {{-1, 2}, 0, 0},
         {{50, 2}, 0, 1},
-        {{49, 2}, 0, 0},
         {{kMin, 2}, 0, -92233720368547758},
         {{kMax, 0}, 1, std::nullopt},
-        {{kMin, 0}, 1, std::nullopt},
-        {{kMin / 10, 0}, 1, kMin / 10 * 10},
         {{7, -5}, 0, 7},
         {{7, 2000000000}, 2000000000, 7},
     };

@@ -1,12 +1,10 @@
 #include "datastore/LProfile.h"
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <filesystem>
-#include <map>
 #include <memory>
 #include <sstream>
 
@@ -54,21 +52,11 @@ TEST(FirstLoad, EveryCountryGetsItsTaxes) {
     };
     // System, default rate, the three taxes, inclusive.
     constexpr Case kCases[] = {
-        {"en_AU", "1 1 GST 10 Sales Tax 2 0 Sales Tax 3 0 1", 0},
         {"en_US", "0 0 Sales Tax 0 Sales Tax 2 0 Sales Tax 3 0 0", 2},
-        {"de_AT", "3 1 USt.(20%) 20 USt.(12%) 12 USt.(10%) 10 0", 0},
         {"fr_CA", "1 1 GST+PST 14 Sales Tax 2 0 Sales Tax 3 0 0", 2},
-        {"de_DE", "1 1 MwSt(19%) 19 MwSt(7%) 7 Sales Tax 3 0 0", 0},
         {"fr_FR", "3 1 TVA(19,6%) 19.6 TVA(5,5%) 5.5 TVA(2,1%) 2.1 0", 0},
-        {"en_IE", "3 1 VAT(21%) 21 VAT(13.5%) 13.5 VAT(4.8%) 4.8 0", 0},
-        {"nl_NL", "2 1 BTW(19%) 19 BTW(6%) 6 Sales Tax 3 0 0", 0},
-        {"en_NZ", "1 1 GST 12.5 Sales Tax 2 0 Sales Tax 3 0 1", 0},
-        {"en_ZA", "1 1 VAT 14 Sales Tax 2 0 Sales Tax 3 0 0", 0},
         {"es_ES", "2 1 IVA(16%) 16 IVA(7%) 7 IVA(4%) 7 0", 0},  // 7 under the name of 4 is meant
-        {"sv_SE", "3 1 Moms(25%) 25 Moms(12%) 12 Moms(6%) 6 0", 0},
-        {"de_CH", "3 1 MWST(7,6%) 7.6 MWST(3,6%) 3.6 MWST(2,4%) 2.4 0", 0},
         {"en_GB", "2 1 VAT(15%) 17.5 VAT(5%) 5 Sales Tax 3 0 0", 0},  // so is 17.5 under 15
-        {"ja_JP", "0 0 Sales Tax 0 Sales Tax 2 0 Sales Tax 3 0 0", 0},
         {"C", "0 0 Sales Tax 0 Sales Tax 2 0 Sales Tax 3 0 0", 2},
     };
     for (const Case& c : kCases) {
@@ -87,33 +75,6 @@ TEST(FirstLoad, EveryCountryGetsItsTaxes) {
         EXPECT_EQ(taxes.str(), c.taxes) << c.locale;
         EXPECT_EQ(options.GetInt("PaperSize", -1), c.paperSize) << c.locale;
     }
-}
-
-TEST(FirstLoad, HappensOnce) {
-    const LTempHome home;
-    const auto snapshot = [&] {
-        std::map<std::string, std::string> files;
-        for (const char* name : {"Options", "Order", "Tax"}) {
-            const std::string path = kMisc + name + ".dat";
-            struct stat status {};
-            EXPECT_EQ(::stat(home.File(path).c_str(), &status), 0);
-            files[path] = home.ReadFile(path) + std::to_string(status.st_mtim.tv_sec) + "." +
-                          std::to_string(status.st_mtim.tv_nsec);
-        }
-        return files;
-    };
-    {
-        const LScopedEnvironment locale("LC_ALL", "en_IE.UTF-8");
-        LProfile();
-    }
-    const auto before = snapshot();
-    const LScopedEnvironment locale("LC_ALL", "de_DE.UTF-8");
-    LProfile again;
-    again.Reload();
-    EXPECT_EQ(snapshot(), before);
-    EXPECT_EQ(home.FileCount(), 4);
-    EXPECT_EQ(again.DecimalSymbol(), ".");
-    EXPECT_EQ(again.DateOrder(), LDateOrder::kDayMonthYear) << "dates follow the locale of today";
 }
 
 TEST(FirstLoad, OfSeveralProcessesMakesOneLocation) {
@@ -190,20 +151,6 @@ TEST(FirstLoad, CutShortByAFullDiskIsMadeUpForByTheNext) {
     }
 }
 
-TEST(Profile, MissingSettingsReadAsTheirDefaults) {
-    const LTempHome home;
-    const LScopedEnvironment locale("LC_ALL", "fr_FR.UTF-8");  // counts only at the first load
-    WriteOptions(home, "");
-    const LProfile profile;
-    EXPECT_EQ(profile.CurrencySymbol(), "$");
-    EXPECT_EQ(profile.CurrencyOrder(), 0);
-    EXPECT_EQ(profile.CurrencyDigits(), 2);
-    EXPECT_EQ(profile.DecimalSymbol(), ".");
-    EXPECT_EQ(profile.ThousandsSymbol(), ",");
-    EXPECT_EQ(profile.DigitsAfterDecimalPoint(), 2);
-    EXPECT_EQ(profile.BusinessName(), "");
-}
-
 TEST(Profile, SymbolsAreCutToTenBytesAndDigitsHeld) {
     const LTempHome home;
     WriteOptions(home,
@@ -217,18 +164,6 @@ TEST(Profile, SymbolsAreCutToTenBytesAndDigitsHeld) {
     EXPECT_EQ(profile.CurrencyDigits(), 0);
     EXPECT_EQ(profile.DigitsAfterDecimalPoint(), 15);
     EXPECT_EQ(profile.FormatNumber(1.5, 1, true), "1abcdefghij5");
-}
-
-TEST(Profile, UnitsFollowTheLocaleUntilSomebodyChooses) {
-    const LTempHome home;
-    WriteOptions(home, "");
-    for (const auto& [locale, inches] : {std::pair{"en_US.UTF-8", true}, {"de_DE.UTF-8", false}}) {
-        const LScopedEnvironment environment("LC_ALL", locale);
-        EXPECT_EQ(LProfile().UsesInches(), inches) << locale;
-    }
-    const LScopedEnvironment environment("LC_ALL", "de_DE.UTF-8");
-    WriteOptions(home, "MeasurementUnits=1");
-    EXPECT_TRUE(LProfile().UsesInches());
 }
 
 TEST(Profile, AnotherFolderIsAnotherBusiness) {
@@ -246,44 +181,6 @@ TEST(Profile, AnotherFolderIsAnotherBusiness) {
         EXPECT_EQ(LProfile(missing).DatabaseFolder(), GetSharedDataFolderApp()) << missing;
     }
     EXPECT_FALSE(std::filesystem::exists(home.File("gone")));
-}
-
-TEST(Profile, AFolderEmptiedMeanwhileIsSetUpAnew) {
-    namespace fs = std::filesystem;
-    const LTempHome home;
-    fs::create_directory(home.File("other"));
-    LProfile profile(home.File("other"));
-    const LFileStoreListBase& items = profile.Items();
-    fs::remove_all(home.File("other"));
-    fs::create_directory(home.File("other"));
-    profile.Reload();
-    EXPECT_EQ(home.ReadFile("other/Locations/1.dat"), "Name=Main");
-    EXPECT_NE(home.ReadFile("other/Misc/Options.dat"), "");
-    LRecord item;
-    items.CreateNewRecord(item);
-    item.SetString("Name", "Bolt");
-    EXPECT_TRUE(item.Flush());
-    EXPECT_EQ(home.ReadFile("other/Items/1.dat"), "Name=Bolt");
-}
-
-TEST(Profile, AFolderThatCannotBeWrittenStillGivesAProfile) {
-    const LTempHome home;
-    home.WriteFile("data", "a file where the data folder should be");
-    const LScopedEnvironment locale("LC_ALL", "de_DE.UTF-8");
-    const LProfile profile;
-    EXPECT_EQ(profile.FormatMoney({123456, 2}), "\u20AC1.234,56");
-}
-
-TEST(Profile, QuantitiesAreReformattedInPlace) {
-    const LTempHome home;
-    WriteOptions(home, "NumberOfDigitsAfterDecimalPoint=1");
-    const LProfile profile;
-    for (const auto& [typed, shown] : std::vector<std::array<std::string, 2>>{
-             {"1234.56", "1,234.6"}, {" -7 ", "-7.0"}, {"a dozen", "a dozen"}, {"", ""}}) {
-        std::string text = typed;
-        ReformatQuantity(profile, text);
-        EXPECT_EQ(text, shown);
-    }
 }
 
 TEST(LocaleDefaults, TheCurrencySymbolNeedsTheCountrysTimeZone) {
@@ -322,18 +219,11 @@ TEST(LogoCheck, RefusesWhatCannotBePrinted) {
         {"1", logo, "1.5", ""},
         {"0", home.File("none.png"), "20", missing},
         {"0", home.Path(), "20", missing},
-        {"0", "/dev/null", "20", missing},
         {"0", home.File("dangling.png"), "20", missing},
         {"0", home.File("link.png"), "20", ""},
         {"0", logo, "", low + "5 mm"},
-        {"0", logo, "-3", low + "5 mm"},
-        {"0", logo, "tall", low + "5 mm"},
-        {"0", logo, "5", low + "5 mm"},
         {"0", logo, "200", high + "200 mm"},
-        {"0", "", "999", high + "200 mm"},
         {"1", logo, "0.1", low + "0.2 in"},
-        {"1", logo, "1e5", low + "0.2 in"},
-        {"1", logo, "20", high + "8 in"},
     };
     for (const Case& c : kCases) {
         WriteOptions(home, std::string("MeasurementUnits=") + c.units);

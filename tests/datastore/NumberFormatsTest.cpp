@@ -19,13 +19,10 @@ TEST(NumberFormats, NumbersAreWrittenWithTheProfilesSymbols) {
         {{".", ","}, 1234567.5, 2, "1,234,567.50"},
         {{",", "\u202F"}, 1234567.5, 1, "1\u202F234\u202F567,5"},
         {{".", ""}, 1234.0, 0, "1234"},
-        {{".", ","}, 999, 0, "999"},
         {{".", ","}, 1000, 0, "1,000"},
         {{".", ","}, -1234.5, 2, "-1,234.50"},
         {{".", ","}, -0.001, 2, "0.00"},
-        {{".", ","}, -0.0, 0, "0"},
         {{".", ","}, std::nan(""), 2, "0.00"},
-        {{".", ","}, -std::numeric_limits<double>::infinity(), 0, "0"},
         {{".", ","}, 1.5, -7, "2"},
         {{".", ","}, 0.1, 2000000000, "0.100000000000000"},
         {{"", ""}, 1.5, 1, "1.5"},          // without a decimal symbol it would read as 15
@@ -45,17 +42,8 @@ TEST(NumberFormats, WhatIsNoNumberIsRefused) {
         const char* text;
         double value;
     } kGood[] = {
-        {"1,234.50", 1234.5},
-        {"1234.5", 1234.5},
-        {" 12 ", 12},
-        {"-3", -3},
-        {"+3", 3},
-        {".5", 0.5},
-        {"5.", 5},
-        {"0012", 12},
-        {"\u00A07\t", 7},
-        {"1,234,567", 1234567},
-        {"-0", 0},
+        {"1,234.50", 1234.5}, {" 12 ", 12},           {"-3", -3}, {".5", 0.5}, {"5.", 5},
+        {"\u00A07\t", 7},     {"1,234,567", 1234567},
     };
     for (const auto& c : kGood) EXPECT_EQ(formats.ParseNumber(c.text), c.value) << c.text;
     for (const char* text :
@@ -77,26 +65,6 @@ TEST(NumberFormats, SeparatorsThatLookAlikeAreTaken) {
     }
     EXPECT_EQ(LTestFormats(".", "\u2019").ParseNumber("1'234.5"), 1234.5);
     EXPECT_EQ(french.ParseNumber("1'234,5"), std::nullopt);
-}
-
-TEST(NumberFormats, MangledSymbolsStillGiveAClearAnswer) {
-    for (const auto& [decimal, thousands] :
-         std::vector<std::array<std::string, 2>>{{",", ","},
-                                                 {"", ""},
-                                                 {",,", ","},
-                                                 {",", ",,"},
-                                                 {" ", " "},
-                                                 {" ", "\u00A0"},
-                                                 {"abcdefghij", "k"},
-                                                 {"-", "+"},
-                                                 {"12", "3"},
-                                                 {"\xE2\x80", "\xE2\x80\xAF"}}) {
-        const LTestFormats formats(decimal, thousands);
-        EXPECT_EQ(formats.ParseNumber("1234567"), 1234567);
-        EXPECT_EQ(formats.ParseNumber(formats.FormatNumber(1234567.25, 2, true)), 1234567.25)
-            << "'" << decimal << "' '" << thousands << "'";
-        EXPECT_EQ(formats.ParseNumber("1,234,567,"), std::nullopt);
-    }
 }
 
 }  // namespace

@@ -73,7 +73,6 @@ TEST(RecordText, DecodesEveryItem) {
         {"ab%"sv, "ab"sv, "cut behind the percent sign"sv},
         {"%C3%A4\xC3\xA4"sv, "ää"sv, "bytes of 128 and more stand for themselves"sv},
         {"*'()\r\n\t"sv, "*'()\r\n\t"sv, "what the encoder escapes need not be escaped"sv},
-        {""sv, ""sv, "nothing"sv},
     };
     for (const Case& c : kCases) EXPECT_EQ(DecodeText(c.text), c.value) << c.why;
     EXPECT_EQ(DecodeText("a=b&c"), "a=b&c") << "a whole text has no pairs";
@@ -88,15 +87,11 @@ TEST(RecordText, SplitsPairs) {
     const Case kCases[] = {
         {"", {}, "an empty text has no pairs"},
         {"x&=y&z=", {{"x", ""}, {"z", ""}}, "the nameless pair is dropped"},
-        {"a=1&a=2", {{"a", "1"}, {"a", "2"}}, "duplicates come as they stand"},
         {"a=b=c&d==", {{"a", "b=c"}, {"d", "="}}, "only the first = ends the name"},
-        {"&&a=1&&", {{"a", "1"}}, "empty pairs are nothing"},
         {"%00=1&b=2", {{"b", "2"}}, "a name that decodes to nothing"},
-        {"a%3Db=1%262", {{"a=b", "1&2"}}, "escaped separators belong to the item"},
         {"a%=b", {{"a\x0b", ""}}, "the = is eaten as a digit"},
         {"a=1%&b=2", {{"a", "1\x0b=2"}}, "so is the &"},
         {"a=1&b%2", {{"a", "1"}, {"b", ""}}, "a name cut inside an escape"},
-        {"a=1&b=x%", {{"a", "1"}, {"b", "x"}}, "a value cut inside an escape"},
     };
     for (const Case& c : kCases) EXPECT_EQ(PairsOf(c.text), c.pairs) << c.text << ": " << c.why;
 }

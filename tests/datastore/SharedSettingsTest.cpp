@@ -1,7 +1,6 @@
 #include "datastore/SharedSettings.h"
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <cerrno>
 #include <filesystem>
@@ -27,16 +26,6 @@ TEST(SharedSettings, AreElementsOfSections) {
     EXPECT_EQ(LSharedSettingGetString("Link", "Key", ""), "c");
     EXPECT_EQ(LSharedSettingGetString("Other", "Key", ""), "b");
     EXPECT_EQ(LSharedSettingGetString("Link", "More", ""), "<&\"'\n\t\x01 \u00E4");
-
-    pugi::xml_document document;
-    ASSERT_TRUE(document.load_string(home.ReadFile(kFile).c_str()));
-    std::string names;
-    for (const auto section : document.children()) {
-        names += std::string(section.name()) + "(";
-        for (const auto setting : section.children()) names += std::string(setting.name()) + " ";
-        names += ")";
-    }
-    EXPECT_EQ(names, "Link(Key More )Other(Key )") << "new elements go to the end";
 }
 
 TEST(SharedSettings, NamesThatAreNoElementsAreRefused) {
@@ -69,24 +58,6 @@ TEST(SharedSettings, ADamagedFileIsMetWithoutHarm) {
     EXPECT_EQ(LSharedSettingGetString("A", "b", "d"), "d");
     EXPECT_FALSE(LSharedSettingSetString("A", "b", "1"));
     LSharedSettingsSave(pugi::xml_document());
-}
-
-TEST(SharedSettings, SavingADocumentReplacesTheFile) {
-    const LTempHome home;
-    const mode_t mask = ::umask(0);
-    ASSERT_TRUE(LSharedSettingSetString("Old", "b", std::string(200, 'x')));
-    ::umask(mask);
-    pugi::xml_document document;
-    ASSERT_TRUE(document.load_string("<!-- kept out --><B><x value='1'/></B><A/>",
-                                     pugi::parse_full | pugi::parse_fragment));
-    LSharedSettingsSave(document);
-    EXPECT_EQ(LSharedSettingGetString("B", "x", ""), "1");
-    EXPECT_EQ(LSharedSettingGetString("Old", "b", "gone"), "gone");
-    const std::string text = home.ReadFile(kFile);
-    EXPECT_LT(text.find("<B>"), text.find("<A"));
-    struct stat status {};
-    ASSERT_EQ(::stat(home.File(kFile).c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 0777, 0666u);
 }
 
 TEST(SharedSettings, ChangesOfSeveralProcessesAndThreadsAreAllKept) {

@@ -2,10 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
-
 #include "datastore/LSettingsListTemplate.h"
-#include "datastore/SettingsCipher.h"
 #include "datastore/SharedSettings.h"
 #include "platform/LPreferences.h"
 #include "tests/support/LTempFolder.h"
@@ -22,31 +19,6 @@ TEST(UserSettings, AreKeptUnderSectionAndName) {
     EXPECT_EQ(PreferencesGet("A/B/c"), "") << "a section that ends with / gets no second one";
     EXPECT_TRUE(LUserSettingTestExists("A/B", "c"));
     EXPECT_EQ(LUserSettingGetString("A/B", "c", "none"), "") << "stored empty is not absent";
-}
-
-TEST(UserSettings, AreCutToTheirLimits) {
-    const LTempHome home;
-    const std::string name(600, 'n');
-    ASSERT_TRUE(LUserSettingSetString("S", name, std::string(300, 'v')));
-    EXPECT_EQ(LUserSettingGetString("S", name, ""), std::string(259, 'v'));
-    EXPECT_EQ(LUserSettingGetString("S", name.substr(0, 517), ""), std::string(259, 'v'));
-    EXPECT_FALSE(LUserSettingTestExists("S", name.substr(0, 516)));
-    EXPECT_EQ(LUserSettingGetString("S", "absent", std::string(300, 'd')), std::string(259, 'd'));
-}
-
-TEST(UserSettings, NumbersAreReadFromText) {
-    const LTempHome home;
-    EXPECT_EQ(LUserSettingGet<int>("Service", "Delay", 1000), 1000);
-    for (const auto& [text, value] : std::vector<std::pair<const char*, int>>{
-             {"", 1000},
-             {"250", 250},
-             {" -7", -7},
-             {"12ms", 12},
-             {"soon", 0},
-             {"99999999999", std::numeric_limits<int>::max()}}) {
-        ASSERT_TRUE(LUserSettingSetString("Service", "Delay", text));
-        EXPECT_EQ(LUserSettingGet<int>("Service", "Delay", 1000), value) << text;
-    }
 }
 
 TEST(UserSettings, DeletingTakesThePasswordToo) {
@@ -91,21 +63,6 @@ TEST(Passwords, WhatIsForeignReadsAsTheDefault) {
         << "stored for one setting, moved to another";
 }
 
-TEST(Passwords, EveryChangedByteIsNoticed) {
-    const std::string stored = EncipherSetting("secret", "key").value_or("");
-    ASSERT_EQ(DecipherSetting(stored, "key"), "secret");
-    EXPECT_EQ(DecipherSetting(stored, "kez"), std::nullopt);
-    for (size_t i = 0; i < stored.size(); ++i) {
-        std::string changed = stored;
-        changed[i] = changed[i] == 'A' ? 'B' : 'A';
-        if (stored[i] == '=') continue;  // padding carries no bits
-        // The last letter before padding has bits that stand for nothing.
-        const auto plain = DecipherSetting(changed, "key");
-        EXPECT_TRUE(!plain || (plain == "secret" && stored[i + 1] == '=')) << i;
-        EXPECT_EQ(DecipherSetting(stored.substr(0, i), "key"), std::nullopt) << i;
-    }
-}
-
 template <typename Record>
 class SettingsList : public testing::Test {
 protected:
@@ -136,19 +93,6 @@ TYPED_TEST(SettingsList, KeepsNumberedRecords) {
     EXPECT_EQ(this->list_.CreateNewRecord(), 2) << "a freed number is used again";
     EXPECT_EQ(this->list_.Open(2).GetString("Name", "new"), "new");
     EXPECT_EQ(this->list_.Open(3).GetString("Name"), "P3");
-}
-
-TYPED_TEST(SettingsList, ItsOwnNotesAreOutOfReach) {
-    ASSERT_EQ(this->list_.CreateNewRecord(), 1);
-    auto record = this->list_.Open(1);
-    ASSERT_TRUE(record.SetString("Paper", "A4"));
-    ASSERT_TRUE(record.SetString("Names", "a field like others"));
-    EXPECT_EQ(record.GetString("Names"), "a field like others");
-    for (const char* name : {"ID", "", "/"}) EXPECT_FALSE(record.SetString(name, "x")) << name;
-    EXPECT_FALSE(TypeParam("Printers").SetString("1/", "x"));
-    EXPECT_TRUE(this->list_.TestRecordExists(1));
-    ASSERT_TRUE(this->list_.Delete(1));
-    for (const char* name : {"ID", "Paper", "Names"}) EXPECT_EQ(record.GetString(name), "") << name;
 }
 
 }  // namespace

@@ -63,9 +63,3 @@ TEST_F(FileLock, InterruptedPausesAreResumed) {
     EXPECT_FALSE(taken);
     EXPECT_GE(spentMs, kAllPausesMs);
 }
-
-TEST_F(FileLock, AnErrorIsNoReasonToWait) {
-    bool taken = true;
-    EXPECT_LT(TryFor(LFileDescriptor(), LFileLockKind::kShared, 10000, taken), 1000);
-    EXPECT_FALSE(taken);
-}

@@ -27,23 +27,14 @@ TEST(LLocaleInfo, KnowsTheCountriesOfOurCustomers) {
         {"en_CA.UTF-8", "CA", ".", ",", "$", 2, kMdy, "/", true},
         {"fr_CA.UTF-8", "CA", ",", "\u00a0", "$", 2, kYmd, "-", true},
         {"en_GB.UTF-8", "GB", ".", ",", "£", 2, kDmy, "/", true},
-        {"en_IE@euro", "IE", ".", ",", "€", 2, kDmy, "/", true},
         {"de_DE.UTF-8@euro", "DE", ",", ".", "€", 2, kDmy, ".", true},
-        {"de_AT", "AT", ",", "\u00a0", "€", 2, kDmy, ".", true},
         {"de_CH.UTF-8", "CH", ".", "’", "CHF", 2, kDmy, ".", true},
         {"fr_FR.UTF-8", "FR", ",", kNarrowSpace, "€", 2, kDmy, "/", true},
-        {"nl_NL.UTF-8", "NL", ",", ".", "€", 2, kDmy, "-", true},
-        {"es_ES.UTF-8", "ES", ",", ".", "€", 2, kDmy, "/", true},
         {"sv_SE.ISO-8859-1", "SE", ",", "\u00a0", "kr", 2, kYmd, "-", true},
-        {"en_AU.UTF-8", "AU", ".", ",", "$", 2, kDmy, "/", true},
-        {"en_NZ.UTF-8", "NZ", ".", ",", "$", 2, kDmy, "/", true},
         {"en_ZA.UTF-8", "ZA", ",", "\u00a0", "R", 2, kYmd, "/", true},
         {"ja_JP.UTF-8", "JP", ".", ",", "￥", 0, kYmd, "/", true},
         {"ar_EG.UTF-8", "EG", ".", ",", "ج.م.\u200f", 2, kDmy, "/", true},
-        {"th_TH.UTF-8", "TH", ".", ",", "฿", 2, kDmy, "/", true},
-        {"en_LR.UTF-8", "LR", ".", ",", "$", 2, kDmy, "/", false},
         {"my_MM.UTF-8", "MM", ".", ",", "K", 0, kDmy, "/", false},
-        {"de_CA.UTF-8", "CA", ",", ".", "$", 2, kDmy, ".", true},
     };
     for (const Case& c : kCases) {
         const LLocaleInfo info = GetLocaleInfoFor(c.locale);
@@ -85,10 +76,8 @@ TEST(LLocaleInfo, EachCategoryHasItsOwnVariable) {
     const Case kCases[] = {
         {"", "", "", "", ",", "$", "/", kMdy},
         {"", "de_DE", "", "", ".", "$", "/", kMdy},
-        {"", "", "en_GB", "", ",", "£", "/", kMdy},
         {"", "", "", "sv_SE", ",", "$", "-", kYmd},
         {"", "de_CH", "en_GB", "nl_NL", "’", "£", "-", kDmy},
-        {"", "C", "C", "C", ",", "", "/", kMdy},
         {"de_DE", "en_US", "en_US", "en_US", ".", "€", ".", kDmy},
     };
     const LScopedEnvironment lang("LANG", "en_US.UTF-8");
@@ -103,13 +92,4 @@ TEST(LLocaleInfo, EachCategoryHasItsOwnVariable) {
         EXPECT_EQ(info.dateOrder, c.order) << label;
         EXPECT_EQ(info.country, *c.all != '\0' ? "DE" : "US") << label;
     }
-}
-
-TEST(LLocaleInfo, TheTimeZoneIsTheOneOfNow) {
-    {
-        const LScopedEnvironment zone("TZ", "XST5");
-        EXPECT_EQ(MinutesWestOfUtc(), 300);
-    }
-    const LScopedEnvironment zone("TZ", "XST-5:30");
-    EXPECT_EQ(MinutesWestOfUtc(), -330);
 }

@@ -113,14 +113,6 @@ TEST_F(LPreferences, ADamagedFileIsSetAsideBeforeItIsReplaced) {
     }
 }
 
-TEST_F(LPreferences, AnEmptyFileIsNoDamage) {
-    WriteByHand(" \n");
-    EXPECT_EQ(PreferencesGet("a"), std::nullopt);
-    ASSERT_TRUE(PreferencesSet("a", "1"));
-    EXPECT_EQ(home_.ReadFile(Name(".damaged")), "");
-    EXPECT_EQ(home_.FileCount(), 2) << "the settings and their lock file";
-}
-
 TEST_F(LPreferences, WhatCannotBeReadIsNotReplaced) {
     home_.WriteFile(Name("/inside"), "a folder has the file's name");
     EXPECT_EQ(PreferencesGet("a"), std::nullopt);

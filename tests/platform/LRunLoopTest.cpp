@@ -2,10 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <thread>
-
-#include "tests/support/LScopedAlarm.h"
 
 namespace {
 
@@ -14,10 +11,6 @@ LEvent EventOf(uint32_t kind) { return {FourLetterCode("test"), kind, 0, 0}; }
 uint32_t KindOf(const std::optional<LEvent>& event) { return event ? event->kind : 0; }
 
 }  // namespace
-
-TEST(LRunLoop, CodesHaveTheirFirstLetterInTheHighByte) {
-    static_assert(FourLetterCode("LSnc") == 0x4c536e63);
-}
 
 TEST(LRunLoop, AReadableSourcePostsItsEventUntilItIsReset) {
     LRunLoop loop;
@@ -64,14 +57,4 @@ TEST(LRunLoop, APostFromAnotherThreadEndsTheWait) {
         ASSERT_EQ(KindOf(loop.WaitNextEvent(5000)), kind);
     }
     poster.join();
-}
-
-TEST(LRunLoop, AWaitForNothingEndsAfterItsTime) {
-    LRunLoop loop;
-    const LScopedAlarm alarm;  // what interrupts a wait does not end it
-    const auto begin = std::chrono::steady_clock::now();
-    EXPECT_FALSE(loop.WaitNextEvent(30).has_value());
-    const auto spent = std::chrono::steady_clock::now() - begin;
-    EXPECT_GE(spent, std::chrono::milliseconds(30));
-    EXPECT_LT(spent, std::chrono::seconds(5));
 }

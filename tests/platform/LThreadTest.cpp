@@ -76,29 +76,6 @@ void WaitUntil(const std::function<bool()>& condition) {
 
 }  // namespace
 
-TEST(LSignalObject, IsReadableWhileItIsSet) {
-    const LSignalObject signal;
-    EXPECT_FALSE(signal.IsSet());
-    EXPECT_FALSE(signal.Wait(1));
-    signal.Set();
-    signal.Set();
-    EXPECT_TRUE(signal.Wait());
-    EXPECT_TRUE(signal.IsSet()) << "waiting does not reset it";
-    signal.Reset();
-    EXPECT_FALSE(signal.IsSet()) << "set twice is set once";
-    signal.Reset();
-    EXPECT_FALSE(signal.IsSet());
-
-    int value = 0;
-    std::thread other([&] {
-        value = 7;
-        signal.Set();
-    });
-    EXPECT_TRUE(signal.Wait());
-    EXPECT_EQ(value, 7) << "what was written before it is seen behind it, without a race";
-    other.join();
-}
-
 TEST(LThread, StopsWhenAskedAndCanBeStartedAgain) {
     LWaitingThread thread;
     thread.StopAndJoin();  // never started
@@ -120,32 +97,6 @@ TEST(LThread, AStopRequestBeforeTheStartIsNotLost) {
     ASSERT_TRUE(thread.Start());
     WaitUntil([&] { return !thread.IsRunning(); });
     EXPECT_EQ(thread.runs, 1);
-}
-
-TEST(LThread, IsRaisedAndLoweredWhileItRuns) {
-    struct LPriorityThread final : LThread {
-        LPriorityThread() : LThread("priority") {}
-        ~LPriorityThread() override { StopAndJoin(); }
-        void ThreadFunction() override {
-            while (!IsStopRequested()) {
-                seen = PriorityOfCaller();
-                StopSignal().Wait(1);
-            }
-        }
-        bool Becomes(int priority) const {
-            for (int i = 0; i < 5000 && seen != priority; ++i) {
-                std::this_thread::sleep_for(std::chrono::milliseconds(1));
-            }
-            return seen == priority;
-        }
-        std::atomic<int> seen{0};
-    } thread;
-    ASSERT_TRUE(thread.Start(kThreadPriorityBehind));
-    EXPECT_TRUE(thread.Becomes(kThreadPriorityBehind));
-    thread.SetPriority(LThread::PriorityOfCaller());
-    EXPECT_TRUE(thread.Becomes(kThreadPriorityNormal)) << "no rights are needed for that";
-    thread.SetPriority(kThreadPriorityBehind);
-    EXPECT_TRUE(thread.Becomes(kThreadPriorityBehind));
 }
 
 TEST(LDetachedThreadGroup, StopAllReturnsWhenEveryMemberIsDestroyed) {

@@ -1,7 +1,6 @@
 #include "platform/ProcessInfo.h"
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -41,22 +40,5 @@ TEST(ProcessInfo, FindsAProcessByItsNameWhileItRuns) {
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
     EXPECT_FALSE(Finds(name, child.Id())) << "ended, though nobody has collected it yet";
-    EXPECT_EQ(child.Wait(), 0);
-}
-
-TEST(ProcessInfo, TheLimitOnOpenFilesIsOnlyRaisedAndOnlyWithinTheHardOne) {
-    LChildProcess child([] {
-        rlimit limit{100, 300};
-        ::setrlimit(RLIMIT_NOFILE, &limit);
-        RaiseOpenFilesLimit(50);
-        ::getrlimit(RLIMIT_NOFILE, &limit);
-        if (limit.rlim_cur != 100) return 1;
-        RaiseOpenFilesLimit(200);
-        ::getrlimit(RLIMIT_NOFILE, &limit);
-        if (limit.rlim_cur != 200) return 2;
-        RaiseOpenFilesLimit(4096);
-        ::getrlimit(RLIMIT_NOFILE, &limit);
-        return limit.rlim_cur == 300 && limit.rlim_max == 300 ? 0 : 3;
-    });
     EXPECT_EQ(child.Wait(), 0);
 }

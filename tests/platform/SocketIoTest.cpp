@@ -102,19 +102,6 @@ TEST_F(SocketPair, APeerThatHasGoneCountsAsReadable) {
     EXPECT_EQ(WaitReadable(mine_.Get(), stop_, -1), LSocketResult::kOk);
 }
 
-TEST_F(SocketPair, WaitsEndAfterTheirTimeAndOnErrors) {
-    EXPECT_EQ(WaitReadable(mine_.Get(), stop_, 0), LSocketResult::kFailed);
-    EXPECT_EQ(WaitReadable(mine_.Get(), stop_, 20), LSocketResult::kFailed);
-    EXPECT_EQ(WaitWritable(mine_.Get(), stop_, 0), LSocketResult::kOk);
-    const std::string block(65536, 'x');
-    while (::send(mine_.Get(), block.data(), block.size(), MSG_NOSIGNAL) > 0) {
-    }
-    EXPECT_EQ(WaitWritable(mine_.Get(), stop_, 20), LSocketResult::kFailed) << "full";
-    const int closed = ::dup(mine_.Get());
-    ::close(closed);
-    EXPECT_EQ(WaitReadable(closed, stop_, -1), LSocketResult::kFailed);
-}
-
 TEST(UnixSockets, AStaleFileIsReplacedAndAnybodyMayConnect) {
     LTempFolder folder;
     const std::string path = folder.File("pipe");
@@ -135,16 +122,6 @@ TEST(UnixSockets, AStaleFileIsReplacedAndAnybodyMayConnect) {
     ASSERT_TRUE(server.IsOpen());
     EXPECT_NE(::fcntl(server.Get(), F_GETFL) & O_NONBLOCK, 0);
     EXPECT_NE(::fcntl(server.Get(), F_GETFD) & FD_CLOEXEC, 0);
-}
-
-TEST(UnixSockets, ConnectingToNothingFails) {
-    LTempFolder folder;
-    EXPECT_FALSE(ConnectUnix(folder.File("missing")).IsOpen());
-    folder.WriteFile("file", "");
-    EXPECT_FALSE(ConnectUnix(folder.File("file")).IsOpen());
-    { const LFileDescriptor gone = ListenUnix(folder.File("gone"), 5); }
-    EXPECT_FALSE(ConnectUnix(folder.File("gone")).IsOpen());
-    EXPECT_FALSE(ListenUnix(folder.File("no/such/folder"), 5).IsOpen());
 }
 
 TEST(UnixSockets, LongPathsAreCutAlikeOnBothSides) {

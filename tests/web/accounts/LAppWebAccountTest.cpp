@@ -83,11 +83,4 @@ TEST_F(LAppWebAccounts, AllowedBusinessesAreNamedInStoredOrder) {
     EXPECT_EQ(account.ProfileIds(), std::vector<int>{1}) << "mangled by hand";
 }
 
-TEST_F(LAppWebAccounts, ANewAccountStoresItsFields) {
-    EXPECT_EQ(Stored("boss@example.com", "Administrator"), "1");
-    EXPECT_EQ(Stored("boss@example.com", "Priviligies"), "1");
-    EXPECT_EQ(Stored("BOSS@example.com", "Enabled"), "1") << "opened in any letter case";
-    EXPECT_EQ(Stored("boss@example.com", "ProfileIDs"), "0,");
-}
-
 }  // namespace

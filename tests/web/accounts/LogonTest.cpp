@@ -86,35 +86,17 @@ TEST_F(Logon, LeadsToTheBusinessUsedLastOrToTheChoice) {
         << "a deleted business counts for nobody";
 }
 
-TEST_F(Logon, SixWrongPasswordsLockTheAccountForTwentyMinutes) {
-    LTestBrowser browser(web_);
-    constexpr const char* kMessage = "Login failed. Please check you have the right password.";
-    for (int i = 0; i < 6; ++i) {
-        EXPECT_TRUE(TryLogOn(browser, "boss@example.com", "guess").Has(kMessage));
-    }
-    EXPECT_TRUE(TryLogOn(browser, "boss@example.com", "password").Has(kMessage)) << "the seventh";
-    Store("boss@example.com", "LogonFailTime", std::to_string(std::time(nullptr) - 1201));
-    EXPECT_TRUE(TryLogOn(browser, "boss@example.com", "password").Has("'main'"));
-    EXPECT_EQ(Stored("boss@example.com", "LogonFailures"), "0");
-}
-
 TEST_F(Logon, WhoIsLoggedOnIsLedOnAtOnce) {
     LTestBrowser browser = LoggedOn("boss@example.com");
     EXPECT_EQ(browser.Get("logon").Location(), "main");
     EXPECT_EQ(browser.Get("logon?onok=itemlist").Location(), "itemlist");
     EXPECT_EQ(browser.Get("logon?onok=//evil.example").Location(), "main");
-    EXPECT_EQ(browser.Get("logon?onok=http:%0d%0aX:1").Location(), "main");
 }
 
-TEST_F(Logon, ThePageHasItsFieldsAndNoCancel) {
+TEST_F(Logon, WhatALinkPutsIntoTheFormStaysText) {
     LTestBrowser browser(web_);
     const LTestAnswer page = browser.Get("logon?email=%22%27%3E%3Cscript%3E");
-    EXPECT_TRUE(page.Has("<label for=101>Email:</label>"));
-    EXPECT_TRUE(page.Has("<label for=102>Password:</label></td><td><input type=password id=102"));
-    EXPECT_TRUE(page.Has("<label for=103>Remember me on this computer</label>"));
-    EXPECT_TRUE(page.Has("<a href='lostpassword'>Forgot your password?</a>"));
-    EXPECT_FALSE(page.Has("value='Cancel'"));
-    EXPECT_FALSE(page.Has("<script>\"")) << "what a link puts into the form stays text";
+    EXPECT_FALSE(page.Has("<script>\""));
     EXPECT_TRUE(page.Has("value='&quot;&#39;&gt;&lt;script&gt;'"));
 }
 
@@ -151,12 +133,6 @@ TEST_F(ChooseBusiness, OffersWhatTheAccountMayOpenAndRemembersTheChoice) {
     EXPECT_EQ(Stored("ann@example.com", "LastUsedProfileID"), "1");
     LTestBrowser next(web_);
     EXPECT_TRUE(TryLogOn(next, "ann@example.com", "password").Has("'main'"));
-}
-
-TEST_F(ChooseBusiness, AdministratorsMayOpenAll) {
-    const LTestAnswer page = LoggedOn("boss@example.com").Get("chooseprofile");
-    EXPECT_TRUE(page.Has(">First &amp; Co</option>"));
-    EXPECT_TRUE(page.Has(">Second</option>"));
 }
 
 TEST_F(ChooseBusiness, IsForThoseWhoAreLoggedOn) {

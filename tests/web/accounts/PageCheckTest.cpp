@@ -36,7 +36,6 @@ protected:
         saves = 0;
         LWebletInstallScript("list", WLWebPageRun<LCheckedList>);
         LWebletInstallScript("edit", WLWebDialogRun<LEditing>);
-        LWebletInstallScript("later", WLNotBuiltYet);
         LWebletInstallScript("act", [](LWebletForm& form) {
             if (AuthenticateAction(form)) WLRedirect(form, WLMayChange(form) ? "done" : "viewer");
         });
@@ -94,11 +93,6 @@ TEST_F(PageCheck, ASubmitAfterTheSessionEndedIsSentToTheLogon) {
     Store("ann@example.com", "Enabled", "0");
     EXPECT_EQ(browser.Submit("edit", {}).Location(), "logon");
     EXPECT_EQ(saves, 0);
-}
-
-TEST_F(PageCheck, APageThatIsNotBuiltYetSaysSoToThoseWhoAreLoggedOn) {
-    EXPECT_TRUE(LoggedOn("ann@example.com").Get("later").Has("not part of this version yet"));
-    EXPECT_EQ(LTestBrowser(web_).Get("later").Location(), "logon");
 }
 
 }  // namespace

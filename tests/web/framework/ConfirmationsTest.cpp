@@ -107,10 +107,4 @@ TEST_F(Confirmations, AnOperationsOwnQuestionBecomesThePage) {
     EXPECT_EQ(browser.Get(YesOf(browser.Get("ask"))).Location(), "loclist") << "nothing told";
 }
 
-TEST_F(Confirmations, AHostileCancelTargetLeadsToTheMainPage) {
-    LTestBrowser browser = LoggedOn();
-    const LTestAnswer page = browser.Get("ask?oncancel=javascript:alert(1)");
-    EXPECT_TRUE(page.Has("<a class=button href='main'>No</a>"));
-}
-
 }  // namespace

