@@ -32,7 +32,6 @@ protected:
 
 private:
     void PrintActions();
-    void PrintTable();
 
     LReportChoices choices_;
     std::unique_ptr<LReport> report_;
