@@ -9,6 +9,7 @@
 namespace {
 
 constexpr std::string_view kPeriodMark = "%period%";
+constexpr std::string_view kPlacing = "RecurPlacing";
 
 std::string WithPeriod(std::string text, const std::string& period) {
     for (size_t at = text.find(kPeriodMark); at != std::string::npos;
@@ -38,6 +39,7 @@ LDate PeriodStart(const LPOrder& recurring, const LDate& otherwise) {
 bool MakeOrder(const LProfile& profile, const LPOrder& recurring, const LDate& today,
                const LRecurringPeriod& period, LPOrder& order) {
     order.CopyRecord(recurring);
+    order.DeleteField(kPlacing);
     order.SetBool("IsDraft", false);
     order.SetString("Date", today.ToStored());
     order.SetString("Receipt Date", today.ToStored());
@@ -54,6 +56,32 @@ bool SaveToFile(LRecord& record) {
         if (fields.IsChanged(i)) return false;
     }
     return true;
+}
+
+// Before the order is stored, so that whoever comes after a kill knows it.
+bool NotePlacing(LPOrder& recurring, const std::string& orderId, const LDate& due) {
+    recurring.SetString(kPlacing, orderId + " " + due.ToStored());
+    const bool isSaved = SaveToFile(recurring);
+    recurring.ClearDirty();
+    return isSaved;
+}
+
+bool NoteRun(LPOrder& recurring, const LDate& today) {
+    recurring.SetString("RecurLast", today.ToStored());
+    recurring.DeleteField(kPlacing);
+    return SaveToFile(recurring);
+}
+
+// The number of the order that a killed run has stored for that due day; empty when there is none.
+std::string PlacedUnnoted(const LProfile& profile, const LPOrder& recurring, const LDate& due) {
+    const std::string_view note = recurring.GetView(kPlacing);
+    const size_t blank = note.rfind(' ');
+    if (blank == std::string_view::npos || note.substr(blank + 1) != due.ToStored()) return {};
+    std::string id(note.substr(0, blank));
+    LPOrder order;
+    const bool isWhole = profile.Orders().Load(id, order) && order.TestFieldExists("Date") &&
+                         order.GetItemCount() == recurring.GetItemCount();
+    return isWhole ? id : std::string();
 }
 
 std::string Sentence(std::string_view start, std::string_view id, std::string_view end) {
@@ -137,12 +165,18 @@ bool LCatchUp::FindDue(const LPOrder& recurring) {
 LCatchUp::LStep LCatchUp::Record(const LProfile& profile, LPOrder& recurring,
                                  std::string& orderId) {
     if (!FindDue(recurring)) return LStep::kNothingDue;
+    orderId = PlacedUnnoted(profile, recurring, due_);
+    if (!orderId.empty()) {
+        if (!NoteRun(recurring, today_)) return LStep::kFailed;
+        served_ = due_;
+        return LStep::kRecorded;
+    }
     // The last period reaches up to today, where the next one will begin: no day is left out.
     const auto next =
         NextRecurringDay(due_, recurring.GetInt("RecurInterval", kRecurIntervalDefault));
     const bool isLast = !next || !IsDueAt(StartOfLocalDay(*next), now_);
     const LRecurringPeriod period{served_.value_or(PeriodStart(recurring, due_)),
-                                  isLast ? today_ : due_};
+                                  isLast ? today_ : due_, due_};
     if (!LRecurringOrderRecordFor(profile, recurring, today_, period, orderId)) {
         return LStep::kFailed;
     }
@@ -212,17 +246,18 @@ bool LRecurringOrderRecordFor(const LProfile& profile, LPOrder& recurring, const
     if (!MakeOrder(profile, recurring, today, period, made)) return false;
     const LMovementLock lock(profile);
     LPOrder order;
-    if (!LOrderCreateRecorded(profile, order)) return false;
+    LOrderBeginRecorded(profile, order);
     newId = order.GetPrimaryKey();
     order.CopyRecord(made);
     const std::string lastRun = recurring.GetString("RecurLast");
-    if (SaveToFile(order)) {
-        recurring.SetString("RecurLast", today.ToStored());
-        if (SaveToFile(recurring)) return true;
+    if (NotePlacing(recurring, newId, period.due) && SaveToFile(order)) {
+        if (NoteRun(recurring, today)) return true;
         recurring.SetString("RecurLast", lastRun);
         recurring.ClearDirty();  // it still says so in its file
     }
-    // An order whose template does not know of it would be placed again, every time.
+    // An order whose template does not know of it would be placed again, every time. A note about
+    // it may stay: no order gets its number any more.
+    order.ClearDirty();
     order.Invalidate();
     LRecordedPOrderList(profile).Delete(newId);
     return false;
@@ -231,7 +266,7 @@ bool LRecurringOrderRecordFor(const LProfile& profile, LPOrder& recurring, const
 bool LRecurringOrderRecord(const LProfile& profile, LPOrder& recurring, std::string& newId) {
     const LDate today = LDate::Today();
     return LRecurringOrderRecordFor(profile, recurring, today,
-                                    {PeriodStart(recurring, today), today}, newId);
+                                    {PeriodStart(recurring, today), today, today}, newId);
 }
 
 bool LRecurringOrderTest(const LProfile& profile, std::time_t now) {
@@ -251,9 +286,10 @@ bool Process(LProcessInterface& process, LRecurringOrderRunData& data) {
     {
         const LDate today = LDate::FromTime(data.now);
         const LMovementLock lock(data.profile);
-        isRecorded = LRecurringPOrderList(data.profile).Open(recurring, data.templateId) &&
-                     LRecurringOrderRecordFor(data.profile, recurring, today,
-                                              {PeriodStart(recurring, today), today}, orderId);
+        isRecorded =
+            LRecurringPOrderList(data.profile).Open(recurring, data.templateId) &&
+            LRecurringOrderRecordFor(data.profile, recurring, today,
+                                     {PeriodStart(recurring, today), today, today}, orderId);
     }
     if (!isRecorded) {
         data.result.failures.push_back(NotRecorded(data.templateId));
