@@ -37,6 +37,7 @@ private:
     bool AddItemToOrder(LPOrder& order, const LLowStockRow& row) const;
     void LeaveOut(const LLowStockRow& row, std::string_view reason);
     void MarkUsed(const LPlannedOrder& planned) const;
+    bool IsStored(const LPOrder& order) const;
 
     const LProfile& profile_;
     const LTaxOptions taxes_;
@@ -130,9 +131,11 @@ void LPlacing::LeaveOut(const LLowStockRow& row, std::string_view reason) {
 void LPlacing::Record() {
     for (const LPlannedOrder& planned : planned_) {
         LPOrder order;
-        const bool isCreated = LOrderCreateRecorded(profile_, order);
-        if (isCreated) order.CopyRecord(*planned.order);
-        if (!isCreated || !order.Flush()) {
+        LOrderBeginRecorded(profile_, order);
+        order.CopyRecord(*planned.order);
+        order.Flush();
+        if (!IsStored(order)) {
+            profile_.Orders().Delete(order.GetPrimaryKey());
             for (const LLowStockRow* row : planned.rows) {
                 LeaveOut(*row, "its order could not be saved");
             }
@@ -141,6 +144,13 @@ void LPlacing::Record() {
         placed_.orderIds.push_back(order.GetPrimaryKey());
         MarkUsed(planned);
     }
+}
+
+// Whether it can be read back: a save does not tell when the disk was full.
+bool LPlacing::IsStored(const LPOrder& order) const {
+    LPOrder stored;
+    return profile_.Orders().Load(order.GetPrimaryKey(), stored) &&
+           stored.GetItemCount() == order.GetItemCount();
 }
 
 void LPlacing::MarkUsed(const LPlannedOrder& planned) const {

@@ -2,11 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <vector>
 
 #include "orders/LPOrderList.h"
 #include "orders/QuantityOnOrder.h"
 #include "tests/orders/LOrderShop.h"
+#include "tests/support/LFailNthFileCall.h"
 
 namespace {
 
@@ -165,6 +167,29 @@ TEST_F(LowStock, AnOrderThatCannotBeCountedPlacesNone) {
     LLowStockPlaced placed;
     EXPECT_NE(LLowStockPlaceOrders(shop.profile, rows, placed).message, "");
     EXPECT_TRUE(LRecordedPOrderList(shop.profile).IsEmpty());
+}
+
+TEST_F(LowStock, AFullDiskLeavesNoOrderInPieces) {
+    AddItem("A", "\"1/0/0/2\",");
+    const std::vector<LLowStockRow> rows = Proposals();
+    bool hasFired = true, hasFailed = false;
+    for (int n = 1; hasFired && n < 200; ++n) {
+        LLowStockPlaced placed;
+        {
+            const LFailNthFileCall fault(n, ENOSPC);
+            EXPECT_EQ(LLowStockPlaceOrders(shop.profile, rows, placed).message, "");
+            hasFired = fault.Fired();
+        }
+        EXPECT_EQ(placed.leftOut.size() + placed.orderIds.size(), 1U) << "call " << n;
+        hasFailed = hasFailed || placed.orderIds.empty();
+        const LRecordedPOrderList orders(shop.profile);
+        EXPECT_EQ(orders.IsEmpty(), placed.orderIds.empty()) << "call " << n;
+        for (const std::string& id : placed.orderIds) {
+            EXPECT_EQ(shop.Stored("Orders", id, "Item1Qty"), "2.000000") << "call " << n;
+            orders.Delete(id);
+        }
+    }
+    EXPECT_TRUE(hasFailed && !hasFired);
 }
 
 }  // namespace
