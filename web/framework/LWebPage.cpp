@@ -7,7 +7,8 @@ void LWebPage::Open() {
     Generate();
     if (Form().HasAnswered()) return;
     PrintHeader();
-    Out().Flush();  // the browser fetches styles while the body is still being made
+    // The browser fetches styles while the body is still being made.
+    if (!IsBodyQuick()) Out().Flush();
     PrintBody();
     PrintFooter();
 }

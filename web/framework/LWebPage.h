@@ -31,6 +31,9 @@ protected:
     // is not to be shown redirects instead.
     virtual void Generate() {}
 
+    // Whether PrintBody reads nothing more: the page then goes out in one piece.
+    virtual bool IsBodyQuick() const { return false; }
+
     void SetTitle(std::string title) { title_ = std::move(title); }
     const std::string& Title() const { return title_; }
     // Shown before the links of every page ("Main", "Log Off", "Help").

@@ -15,6 +15,7 @@ protected:
     void AddSection(std::string title);
     void AddLink(std::string target, std::string caption, std::string description = {});
     void PrintBody() override;
+    bool IsBodyQuick() const override { return true; }
 
 private:
     struct LLink {

@@ -21,7 +21,7 @@ LWebletSessionData& LWebletForm::Session() {
 void LWebletForm::FinishSession() {
     if (sessionAsked_) {
         session_.FlushSession();
-    } else if (cookies_.TestExists(kSessionCookie) || !SweepWatchedSessionFiles()) {
+    } else if (!SweepWatchedSessionFiles()) {
         SweepSessionFiles(LWebletSessionData::Folder());
     }
 }

@@ -12,6 +12,7 @@
 #include "web/server/LWebPostFile.h"
 #include "web/server/LWebletSessionData.h"
 
+struct LSignedInFacts;    // what the page check knows of who is signed in
 class LWebletConnection;  // the connection thread's side: socket, buffered reading, sending
 
 // Made afresh for every request and destroyed after the answer; belongs to the connection thread.
@@ -54,6 +55,10 @@ public:
     // passed: until then it is the default business.
     LProfile& Profile();
 
+    // Kept for the rest of this request by the page check, which alone knows what is in it: a page
+    // asks for a role several times, and each would read the account again.
+    std::shared_ptr<const LSignedInFacts>& SignedInFacts() { return signedInFacts_; }
+
     // A handler that sets it has sent an answer whose end the client can tell: the connection may
     // then be kept open.
     void SetSelfDelimited() { selfDelimited_ = true; }
@@ -80,4 +85,5 @@ private:
     LFileDescriptor uploadFile_;
     LWebPostFiles postFiles_;
     std::unique_ptr<LProfile> profile_;
+    std::shared_ptr<const LSignedInFacts> signedInFacts_;
 };

@@ -26,8 +26,8 @@ bool IsSessionId(std::string_view id) {
     });
 }
 
-std::string PathOf(const std::string& id) {
-    return LWebletSessionData::Folder() + "/" + id + ".sess";
+std::string PathOf(const std::string& folder, const std::string& id) {
+    return folder + "/" + id + ".sess";
 }
 
 std::string NewId(bool remember) {
@@ -66,10 +66,11 @@ bool LWebletSessionData::LoadSession(std::string_view id) {
     LetGo();
     table_.Clear();
     id_.clear();
-    SweepSessionFiles(Folder());
+    const std::string folder = Folder();
+    SweepSessionFiles(folder);
     if (!IsSessionId(id)) return false;
     id_ = id;
-    path_ = PathOf(id_);
+    path_ = PathOf(folder, id_);
     const bool loaded = OpenFile(O_RDONLY, LFileLockKind::kShared) && ReadTable();
     file_.Close();
     turn_.Release();
@@ -107,11 +108,12 @@ void LWebletSessionData::LetGo() {
 void LWebletSessionData::CreateNewSession(bool remember) {
     LetGo();
     table_.Clear();
-    MakeFolderTree(Folder(), 0700);
+    const std::string folder = Folder();
+    MakeFolderTree(folder, 0700);
     dirty_ = true;
     for (int attempt = 0; attempt < kIdAttempts; ++attempt) {
         id_ = NewId(remember);
-        path_ = PathOf(id_);
+        path_ = PathOf(folder, id_);
         if (OpenFile(O_RDWR | O_CREAT | O_EXCL, LFileLockKind::kExclusive)) return;
         if (errno != EEXIST) break;
     }

@@ -14,7 +14,6 @@
 #include <cstring>
 #include <limits>
 #include <memory>
-#include <utility>
 
 #include "platform/LFileDescriptor.h"
 #include "platform/LMutex.h"
@@ -59,10 +58,14 @@ std::time_t SweepFile(int folder, const char* name, std::time_t now) {
 class LSessionSweeper {
 public:
     void Sweep(const std::string& folder) {
+        struct stat status {};
+        const bool isThere = ::stat(folder.c_str(), &status) == 0;  // others need not wait for it
         const LMutexLock lock(mutex_);
         const std::time_t now = std::time(nullptr);
-        if (IsWatched(folder) && TakeEvents(now) && now < nextDue_) return;
-        if (!IsWatched(folder)) Watch(folder);  // first, so that what the listing misses is told
+        const bool isWatched = isThere && IsWatched(folder, status);
+        lastCompared_ = now;
+        if (isWatched && TakeEvents(now) && now < nextDue_) return;
+        if (!isWatched || !watch_.IsOpen()) Watch(folder);  // first: it tells what a listing misses
         SweepAll(folder, now);
     }
 
@@ -74,25 +77,25 @@ public:
     }
 
 private:
+    // Once a second somebody has to compare the folders too.
     bool LookAtWatch(std::time_t now) {
         const LMutexLock lock(mutex_);
-        if (watch_.IsOpen() && TakeEvents(now)) {
-            if (now >= nextDue_) SweepAll(folder_, now);
-            return true;
-        }
-        return std::exchange(lastUnwatched_, now) == now;
+        if (lastCompared_ != now) return lastCompared_ = now, false;
+        if (!watch_.IsOpen()) return true;
+        if (!TakeEvents(now)) return false;
+        if (now >= nextDue_) SweepAll(folder_, now);
+        return true;
     }
 
     struct LFolderClose {
         void operator()(DIR* folder) const { ::closedir(folder); }
     };
 
-    // Also asks whether the folder of that path is still the one that is watched: a restored data
-    // folder takes its place.
-    bool IsWatched(const std::string& folder) L_REQUIRES(mutex_) {
-        struct stat status {};
-        return watch_.IsOpen() && folder == folder_ && ::stat(folder.c_str(), &status) == 0 &&
-               status.st_dev == device_ && status.st_ino == inode_;
+    // Whether the folder of that path, which has this status, is still the one that is watched: a
+    // restored data folder takes its place.
+    bool IsWatched(const std::string& folder, const struct stat& status) L_REQUIRES(mutex_) {
+        return watch_.IsOpen() && folder == folder_ && status.st_dev == device_ &&
+               status.st_ino == inode_;
     }
 
     void Watch(const std::string& folder) L_REQUIRES(mutex_) {
@@ -140,7 +143,8 @@ private:
 
     std::atomic_flag isBusy_;  // a request without a session looks at the watch
     LMutex mutex_;
-    std::time_t lastUnwatched_ L_GUARDED_BY(mutex_) = 0;  // asked for without a watch
+    // When the watched folder was last compared with the one that bears the name now.
+    std::time_t lastCompared_ L_GUARDED_BY(mutex_) = 0;
     std::string folder_ L_GUARDED_BY(mutex_);
     dev_t device_ L_GUARDED_BY(mutex_) = 0;
     ino_t inode_ L_GUARDED_BY(mutex_) = 0;

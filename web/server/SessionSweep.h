@@ -13,7 +13,7 @@ std::time_t SessionDueTime(std::string_view name, std::time_t changed);
 // The folder is watched where the system can, so that usually nothing need be listed.
 void SweepSessionFiles(const std::string& folder);
 
-// The same for a request that names no session, in one system call: of the folder that was swept
-// last, when that is being watched. False, at most once a second, when it is not: then
-// SweepSessionFiles has to do it.
+// The same for a request that loads no session, in one system call: of the folder that was swept
+// last. False, at most once a second, when SweepSessionFiles has to do it: the folder may be
+// another by now, or cannot be watched.
 [[nodiscard]] bool SweepWatchedSessionFiles();

@@ -226,15 +226,4 @@ TEST(HostileClients, WhoLeavesInMidAnswerEndsItsPage) {
     EXPECT_TRUE(Eventually([&] { return server.weblet.ConnectionCount() == 0; }));
 }
 
-TEST(HostileClients, AnEndlessPageEndsWithTheServer) {
-    LWebletInstallScript("endless", EndlessPage);
-    LTestServer server;
-    LTestClient client = server.Connect();
-    client.Send(Get("/endless"));
-    client.ReadAnswer();
-    const auto start = std::chrono::steady_clock::now();
-    server.weblet.StopServer();
-    EXPECT_LT(Elapsed(start).count(), 1000);
-}
-
 }  // namespace

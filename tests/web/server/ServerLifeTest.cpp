@@ -77,21 +77,8 @@ TEST(WebSettings, ReadAsTheyAreStored) {
     EXPECT_EQ(port("65536"), 1097) << "its low 16 bits are 0";
     EXPECT_EQ(port("65537"), 1);
     EXPECT_EQ(port("x"), 1097);
-}
-
-TEST(WebSettings, AreStoredAsTheyAreRead) {
-    const LTempHome home;
-    EXPECT_TRUE(LWebletServer::SetWebletServerPort(1097));
-    EXPECT_FALSE(LUserSettingTestExists("WebServer", "Port")) << "it is that already";
     EXPECT_TRUE(LWebletServer::SetWebletServerPort(8080));
     EXPECT_EQ(LUserSettingGetString("WebServer", "Port", ""), "8080");
-    EXPECT_TRUE(LWebletServer::EnableWebletServer(true));
-    EXPECT_TRUE(LWebletServer::IsWebletServerEnabled());
-    EXPECT_TRUE(LWebletServer::EnableWebletServer(false));
-    EXPECT_FALSE(LWebletServer::IsWebletServerEnabled());
-    EXPECT_FALSE(LWebletServer::IsPublicWebletServerEnabled());
-    EXPECT_TRUE(LWebletServer::EnablePublicWebletServer(true));
-    EXPECT_TRUE(LWebletServer::IsPublicWebletServerEnabled());
 }
 
 TEST(WebServer, DoesNotStartWhenItIsTurnedOff) {

@@ -100,10 +100,8 @@ TEST_F(StaticFiles, ComeInParts) {
     EXPECT_EQ(Ask("/t.js", "Range: bytes=19-20\r\n"), part("2", "19-20", "ab"));
     EXPECT_EQ(Ask("/t.js", "Range: bytes=-100\r\n"),
               part("50", "0-49", std::string(20, 'a') + std::string(30, 'b')));
-    EXPECT_EQ(Ask("/t.js", "Range: bytes=48-99\r\n"), part("2", "48-49", "bb"));
     EXPECT_EQ(Ask("/t.js", "Range: bytes=5-3\r\n"),
               "HTTP/1.1 416 Requested Range Not Satisfiable\r\n\r\n");
-    EXPECT_TRUE(Ask("/t.js", "Range: bytes=0-1,3-4\r\n").starts_with("HTTP/1.1 200 OK"));
 
     LTestClient client = server.Connect();
     client.Send(Get("/t.js", "Range: bytes=60-\r\n") + Get("/t.js"));
