@@ -8,6 +8,7 @@ import pages from './pages.test.mjs';
 import reports from './reports.test.mjs';
 import stockMoves from './stock_moves.test.mjs';
 import uploads from './uploads.test.mjs';
+import viewer from './viewer.test.mjs';
 
 const [, , executable, shots] = process.argv;
 const browser = await openBrowser();
@@ -24,7 +25,7 @@ const test = async (name, run) => {
     }
 };
 
-for (const suite of [firstSale, orders, pages, accessibility, uploads, stockMoves, buying, reports]) {
+for (const suite of [firstSale, orders, pages, accessibility, uploads, stockMoves, buying, reports, viewer]) {
     await test(`${suite.name} runs to its end`, () => suite({ test, browser, executable, shots }));
 }
 await browser.close();

@@ -48,7 +48,8 @@ protected:
     // Saves what was entered. False when nothing was saved; the reason has been shown then.
     virtual bool CmOk() { return true; }
     virtual void CmCancel() {}
-    // Decides whether a pressed OK or special submit may act; a false one passes for done.
+    // Decides whether a pressed OK or special submit may act; a false one passes for done. The form
+    // is shown without what could be changed then.
     virtual bool MayChange() { return true; }
     // Before a pressed OK or special submit acts: false, and the reason shown, when not all of what
     // was sent has arrived.

@@ -91,6 +91,7 @@ void LWebDialog::AddDialogScript() {
     Script().Add(kCmSubmit, Form().PageName());
     Script().Add("\n");
     AddControlScript();
+    if (!MayChange()) Script().AddStartUp("LDisableEditing();");  // behind what enables controls
     if (FirstControl() == 0) return;
     Script().Add(
         "LAddEventListener(window, 'onload', function() "

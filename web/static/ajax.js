@@ -111,6 +111,31 @@ LAddEventListener(document, 'onkeydown', function(event) {
     if (document.pressed) LSubmitDialog();
 });
 
+// For those who may only look: what the form shows cannot be changed and Cancel alone is left to
+// press. (The server would save nothing of it either.)
+function LDisableEditing() {
+    const form = document.getElementById('dialogform');
+    const controls = Array.from(form.elements);
+    const cancel = controls.find(control => control.type === 'submit' && control.value === 'Cancel');
+    for (const control of controls) {
+        if (control === cancel || control.type === 'hidden' || control.tagName === 'BUTTON') continue;
+        if (control.type === 'submit') {
+            if (cancel) control.remove();
+        } else if (control.type === 'textarea' || /^(text|password|date|number)$/.test(control.type)) {
+            control.readOnly = true;
+        } else if (control.name || control.type === 'button') {
+            control.disabled = true;
+        }
+    }
+    if (!cancel) return;
+    form.elements.submitdef.value = 'Cancel';
+    for (const tab of document.querySelectorAll('.navtab')) tab.onclick = null;  // nothing to keep
+    const note = document.createElement('p');
+    note.className = 'muted';
+    note.textContent = 'You may look at this, but not change it.';
+    form.before(note);
+}
+
 // A tab of a dialog: keeps what was entered so far on the server, then goes to `target`.
 function LSaveTab(tabName, target) {
     let params = GetParams('dialogform') + 'tabName=' + encodeURIComponent(tabName);
