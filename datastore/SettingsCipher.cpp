@@ -16,22 +16,10 @@ constexpr size_t kTagBytes = 16;
 constexpr size_t kMaxBytes = 1 << 20;  // far above any password, far below what an int counts
 
 // What the cipher needs of libcrypto, which is loaded when the first password is stored or read.
-class LCrypto {
+class LCrypto : public LLoadedFunctions {
 public:
-    bool IsReady() const { return ready_; }
+    LCrypto() : LLoadedFunctions("libcrypto.so.3") {}
 
-private:
-    template <typename Function>
-    Function* Find(const char* name) {
-        Function* const found = library_.Find<Function>(name);
-        ready_ = ready_ && found != nullptr;
-        return found;
-    }
-
-    LSharedLibrary library_{"libcrypto.so.3"};
-    bool ready_ = library_.IsLoaded();
-
-public:
 #define L_CRYPTO_FUNCTION(name) decltype(::name)* const name = Find<decltype(::name)>(#name)
     L_CRYPTO_FUNCTION(EVP_CIPHER_CTX_new);
     L_CRYPTO_FUNCTION(EVP_CIPHER_CTX_free);

@@ -20,22 +20,10 @@ constexpr int kOversampling = 4;
 constexpr int kOpaque = 255;
 
 // What is needed of the picture library, which is loaded when the first picture is read and stays.
-class LPixbufLibrary {
+class LPixbufLibrary : public LLoadedFunctions {
 public:
-    bool IsReady() const { return ready_; }
+    LPixbufLibrary() : LLoadedFunctions("libgdk_pixbuf-2.0.so.0") {}
 
-private:
-    template <typename Function>
-    Function* Find(const char* name) {
-        Function* const found = library_.Find<Function>(name);
-        ready_ = ready_ && found != nullptr;
-        return found;
-    }
-
-    LSharedLibrary library_{"libgdk_pixbuf-2.0.so.0"};
-    bool ready_ = library_.IsLoaded();
-
-public:
 #define L_PIXBUF_FUNCTION(name) decltype(::name)* const name = Find<decltype(::name)>(#name)
     L_PIXBUF_FUNCTION(gdk_pixbuf_get_file_info);
     L_PIXBUF_FUNCTION(gdk_pixbuf_format_get_name);

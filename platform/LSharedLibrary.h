@@ -21,3 +21,24 @@ private:
     void* FindSymbol(const char* name) const;  // null when missing
     void* handle_ = nullptr;
 };
+
+// The functions that are used of a library and of those that it brings along. A class derives from
+// this and has a member for each function, made by Find.
+class LLoadedFunctions {
+public:
+    bool IsReady() const { return ready_; }  // the library is there and has them all
+
+protected:
+    explicit LLoadedFunctions(const std::string& fileName) : library_(fileName) {}
+    ~LLoadedFunctions() = default;
+    template <typename Function>
+    Function* Find(const char* name) {
+        Function* const found = library_.Find<Function>(name);
+        ready_ = ready_ && found != nullptr;
+        return found;
+    }
+
+private:
+    LSharedLibrary library_;
+    bool ready_ = library_.IsLoaded();
+};

@@ -7,6 +7,7 @@
 #include "inventory/LItem.h"
 #include "inventory/StockHistory.h"
 #include "platform/CaseFolding.h"
+#include "platform/LSilentProcess.h"
 #include "reports/LMoneyTotal.h"
 
 namespace {
@@ -17,12 +18,6 @@ constexpr LReportColumn kColumns[] = {
     {"Cost Value", 16, kReportRight},   {"Price Value", 11, kReportRight},
     {"Total Cost", 20, kReportRight},   {"Total Sales", 20, kReportRight},
     {"Gross Profit", 20, kReportRight}, kReportColumnsEnd};
-
-class LUnattendedProcess final : public LProcessInterface {
-    void SetStatus(std::string_view) override {}
-    void SetProgress(double) override {}
-    bool IsCancelled() const override { return false; }
-};
 
 // What one item, or several, came to.
 struct LSalesSum {
@@ -61,7 +56,7 @@ public:
         LHistoryFilter filter;
         filter.from = from;
         filter.to = to;
-        LUnattendedProcess process;
+        LSilentProcess process;
         const std::string problem = LFillSellHistoryList(
             profile_, filter, process, [this](const LHistoryRow& row) { AddRow(row); });
         for (LSoldItems* items : {&sold_, &lost_}) {

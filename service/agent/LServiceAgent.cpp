@@ -14,6 +14,7 @@
 #include "platform/FileIo.h"
 #include "platform/Folders.h"
 #include "platform/LFileDescriptor.h"
+#include "platform/LSilentProcess.h"
 #include "platform/LTempFile.h"
 #include "platform/PollDeadline.h"
 #include "service/agent/AgentLaunchers.h"
@@ -38,17 +39,9 @@ constexpr char kOwnExecutable[] = "/proc/self/exe";
 
 LUserInterface* parentWindow = nullptr;
 
-// A progress display for a process without a window.
-class LNoProgress final : public LProcessInterface {
-public:
-    void SetStatus(std::string_view) override {}
-    void SetProgress(double) override {}
-    bool IsCancelled() const override { return false; }
-};
-
 bool RunUnderProgress(const char* title, const std::function<bool(LProcessInterface&)>& process) {
     if (parentWindow != nullptr) return parentWindow->RunProcess(title, process);
-    LNoProgress none;
+    LSilentProcess none;
     return process(none);
 }
 
@@ -142,7 +135,7 @@ bool LServiceAgent::Unload() {
 }
 
 bool LServiceAgent::WaitUntilEnded() {
-    LNoProgress none;
+    LSilentProcess none;
     return PollUntilTrue(none, {}, HasEnded, kEndMs);
 }
 

@@ -13,51 +13,37 @@
 namespace {
 
 // What is used of OpenSSL. Once loaded it stays: the library does not like to be unloaded.
-class LOpenSsl {
+class LOpenSsl : public LLoadedFunctions {
 public:
-    bool IsReady() const { return ready_; }
+    LOpenSsl() : LLoadedFunctions("libssl.so.3") {}
 
-private:
-    template <typename Function>
-    Function* Find(const LSharedLibrary& library, const char* name) {
-        Function* const found = library.Find<Function>(name);
-        ready_ = ready_ && found != nullptr;
-        return found;
-    }
-
-    LSharedLibrary crypto_{"libcrypto.so.3"};
-    LSharedLibrary ssl_{"libssl.so.3"};
-    bool ready_ = crypto_.IsLoaded() && ssl_.IsLoaded();
-
-public:
-#define L_FUNCTION(library, name) \
-    decltype(::name)* const name = Find<decltype(::name)>(library, #name)
-    L_FUNCTION(crypto_, BIO_new);
-    L_FUNCTION(crypto_, BIO_s_mem);
-    L_FUNCTION(crypto_, BIO_free);
-    L_FUNCTION(crypto_, BIO_read);
-    L_FUNCTION(crypto_, BIO_write);
-    L_FUNCTION(crypto_, BIO_ctrl_pending);
-    L_FUNCTION(crypto_, ERR_clear_error);
-    L_FUNCTION(crypto_, X509_verify_cert_error_string);
-    L_FUNCTION(crypto_, X509_VERIFY_PARAM_set1_ip_asc);
-    L_FUNCTION(ssl_, TLS_client_method);
-    L_FUNCTION(ssl_, SSL_CTX_new);
-    L_FUNCTION(ssl_, SSL_CTX_free);
-    L_FUNCTION(ssl_, SSL_CTX_set_default_verify_paths);
-    L_FUNCTION(ssl_, SSL_new);
-    L_FUNCTION(ssl_, SSL_free);
-    L_FUNCTION(ssl_, SSL_set_bio);
-    L_FUNCTION(ssl_, SSL_ctrl);
-    L_FUNCTION(ssl_, SSL_set1_host);
-    L_FUNCTION(ssl_, SSL_get0_param);
-    L_FUNCTION(ssl_, SSL_connect);
-    L_FUNCTION(ssl_, SSL_read);
-    L_FUNCTION(ssl_, SSL_write);
-    L_FUNCTION(ssl_, SSL_get_error);
-    L_FUNCTION(ssl_, SSL_get_verify_result);
-    L_FUNCTION(ssl_, SSL_get1_peer_certificate);
-    L_FUNCTION(crypto_, X509_free);
+#define L_FUNCTION(name) decltype(::name)* const name = Find<decltype(::name)>(#name)
+    L_FUNCTION(BIO_new);
+    L_FUNCTION(BIO_s_mem);
+    L_FUNCTION(BIO_free);
+    L_FUNCTION(BIO_read);
+    L_FUNCTION(BIO_write);
+    L_FUNCTION(BIO_ctrl_pending);
+    L_FUNCTION(ERR_clear_error);
+    L_FUNCTION(X509_verify_cert_error_string);
+    L_FUNCTION(X509_VERIFY_PARAM_set1_ip_asc);
+    L_FUNCTION(TLS_client_method);
+    L_FUNCTION(SSL_CTX_new);
+    L_FUNCTION(SSL_CTX_free);
+    L_FUNCTION(SSL_CTX_set_default_verify_paths);
+    L_FUNCTION(SSL_new);
+    L_FUNCTION(SSL_free);
+    L_FUNCTION(SSL_set_bio);
+    L_FUNCTION(SSL_ctrl);
+    L_FUNCTION(SSL_set1_host);
+    L_FUNCTION(SSL_get0_param);
+    L_FUNCTION(SSL_connect);
+    L_FUNCTION(SSL_read);
+    L_FUNCTION(SSL_write);
+    L_FUNCTION(SSL_get_error);
+    L_FUNCTION(SSL_get_verify_result);
+    L_FUNCTION(SSL_get1_peer_certificate);
+    L_FUNCTION(X509_free);
 #undef L_FUNCTION
 };
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "platform/LSilentProcess.h"
 #include "platform/SocketIo.h"
 #include "service/email/EmailAddress.h"
 
@@ -25,18 +26,6 @@ LLogTarget& LogTarget() {
     static LLogTarget target;
     return target;
 }
-
-// Nobody watches; only the thread's stop signal cancels.
-class LBackgroundProcess final : public LProcessInterface {
-public:
-    explicit LBackgroundProcess(const LThread& thread) : thread_(thread) {}
-    void SetStatus(std::string_view) override {}
-    void SetProgress(double) override {}
-    bool IsCancelled() const override { return thread_.IsStopRequested(); }
-
-private:
-    const LThread& thread_;
-};
 
 void Tell(const LEmailMessage& message, const std::string& recipients, const std::string& what,
           LEmailLogLevel level) {
@@ -145,7 +134,7 @@ void LEmailSendBackgroundThread::Deliver(LJob job) {
     send.message = job.message;
     send.recipients = job.recipients;
     send.limits = plan_.limits;
-    LBackgroundProcess process(*this);
+    LSilentProcess process(StopSignal());
     const bool isSent = Process(process, send);
     ++job.tries;
     job.message = std::move(send.message);  // with the id that it keeps

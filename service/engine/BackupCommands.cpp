@@ -3,6 +3,7 @@
 #include "datastore/Backup.h"
 #include "datastore/BackupContents.h"
 #include "platform/Folders.h"
+#include "platform/LSilentProcess.h"
 #include "service/agent/AgentBackgroundService.h"
 
 namespace {
@@ -51,19 +52,13 @@ public:
     bool RunProcess(std::string_view title,
                     const std::function<bool(LProcessInterface&)>& process) override {
         out_ << title << "..." << std::endl;
-        LQuietProcess quiet;
+        LSilentProcess quiet;
         return process(quiet);
     }
 
     const std::string& LastTold() const { return lastTold_; }
 
 private:
-    class LQuietProcess final : public LProcessInterface {
-        void SetStatus(std::string_view) override {}
-        void SetProgress(double) override {}
-        bool IsCancelled() const override { return false; }
-    };
-
     const std::string folder_;
     std::ostream& out_;
     std::string lastTold_;

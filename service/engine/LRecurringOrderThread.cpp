@@ -4,23 +4,10 @@
 #include "orders/LRecurringClock.h"
 #include "orders/RecurringOrders.h"
 #include "platform/FileIo.h"
+#include "platform/LSilentProcess.h"
 #include "service/control/LServiceLog.h"
 
-namespace {
-
-// Nobody watches it; it is cancelled when the thread is to stop.
-class LStoppableProcess final : public LProcessInterface {
-public:
-    explicit LStoppableProcess(const LThread& thread) : thread_(thread) {}
-    void SetStatus(std::string_view) override {}
-    void SetProgress(double) override {}
-    bool IsCancelled() const override { return thread_.IsStopRequested(); }
-
-private:
-    const LThread& thread_;
-};
-
-}  // namespace
+namespace {}  // namespace
 
 void LRecurringOrderThread::ThreadFunction() {
     LRecurringClock clock;
@@ -41,7 +28,7 @@ void LRecurringOrderThread::Look(std::time_t now) {
 void LRecurringOrderThread::RunBusiness(const std::string& folder, std::time_t now) {
     const LProfile profile(folder);
     if (!LRecurringOrderTest(profile, now)) return;
-    LStoppableProcess process(*this);
+    LSilentProcess process(StopSignal());
     LRecurringOrderRunAllData data{profile, dispatch_, now};
     Process(process, data);
     for (const std::string& id : data.result.orderIds) {

@@ -58,9 +58,7 @@ void MainEngine::StopEmail() {
 
 void MainEngine::StopWebServer() {
     if (webControl_.IsRunning()) LServiceLog("Stopping web server (Non-secure)");
-    workers_.RequestStopAll();
     webControl_.StopServer();
-    workers_.StopAll();
 }
 
 void MainEngine::CtlRestart() {

@@ -5,7 +5,6 @@
 
 #include "inventory/SendEmailThread.h"
 #include "orders/LOrderSender.h"
-#include "platform/LThread.h"
 #include "service/email/SendEmailBackground.h"
 #include "service/engine/LRecurringOrderThread.h"
 #include "service/engine/LWebControl.h"
@@ -35,5 +34,4 @@ private:
     LOrderSender orderSender_;
     LRecurringOrderThread recurringOrders_{orderSender_};
     LWebControl webControl_;
-    LDetachedThreadGroup workers_;
 };

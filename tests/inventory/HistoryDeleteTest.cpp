@@ -137,7 +137,7 @@ TEST_F(HistoryDelete, ADeletedReceiptTakesItsQuantityAwayAndTellsItsOrder) {
 
     LHistoryFilter filter;
     filter.from = filter.to = kMonday;
-    LSilentProcess process;
+    LToldProcess process;
     std::vector<LHistoryRow> rows;
     LFillReceiveHistoryList(shop_.profile, filter, process,
                             [&](const LHistoryRow& row) { rows.push_back(row); });

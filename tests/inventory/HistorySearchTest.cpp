@@ -98,7 +98,7 @@ TEST_F(HistorySearch, RowsShowTheItemAndWriteOffsAreNamedSo) {
 }
 
 TEST_F(HistorySearch, AnEndBeforeTheStartIsRefused) {
-    LSilentProcess process;
+    LToldProcess process;
     const auto never = [](const LHistoryRow&) { ADD_FAILURE(); };
     const LHistoryFilter filter = Within(kTuesday, kMonday);
     EXPECT_EQ(LFillSellHistoryList(shop_.profile, filter, process, never),
@@ -129,7 +129,7 @@ TEST_F(HistorySearch, AReceiptFromASupplierOfThatNameIsNoWriteOff) {
     ASSERT_TRUE(ReceiveItem(shop_.profile, receipt));
     LHistoryFilter filter = Within(kMonday, kMonday);
     filter.kind = LSellKind::kAllButWriteOffs;  // means nothing for receipts
-    LSilentProcess process;
+    LToldProcess process;
     std::vector<LHistoryRow> rows;
     LFillReceiveHistoryList(shop_.profile, filter, process,
                             [&](const LHistoryRow& row) { rows.push_back(row); });

@@ -84,7 +84,7 @@ void LTestShop::WriteSellFile(const LDate& date, std::string_view text) const {
 
 std::vector<LHistoryRow> LTestShop::SoldRows(const LHistoryFilter& filter) const {
     std::vector<LHistoryRow> rows;
-    LSilentProcess process;
+    LToldProcess process;
     EXPECT_EQ(LFillSellHistoryList(profile, filter, process,
                                    [&](const LHistoryRow& row) { rows.push_back(row); }),
               "");

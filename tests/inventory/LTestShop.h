@@ -9,6 +9,7 @@
 
 #include "datastore/LProfile.h"
 #include "inventory/StockHistory.h"
+#include "platform/LSilentProcess.h"
 #include "tests/support/LTempFolder.h"
 
 inline constexpr LDate kMonday{2024, 3, 4};
@@ -47,11 +48,9 @@ public:
     LProfile profile;
 };
 
-// A process that nobody watches.
-class LSilentProcess final : public LProcessInterface {
+// A process that remembers what it was told.
+class LToldProcess final : public LSilentProcess {
 public:
     void SetStatus(std::string_view text) override { statusTexts.emplace_back(text); }
-    void SetProgress(double) override {}
-    bool IsCancelled() const override { return false; }
     std::vector<std::string> statusTexts;
 };

@@ -20,6 +20,7 @@
 #include "orders/OrderTotals.h"
 #include "orders/RecurringOrders.h"
 #include "orders/RecurringSchedule.h"
+#include "platform/LSilentProcess.h"
 #include "tests/orders/LOrderShop.h"
 #include "tests/support/LScriptedUserInterface.h"
 
@@ -29,13 +30,6 @@ constexpr LDate kFirstDay{2023, 9, 1};
 constexpr LDate kLastDay{2024, 8, 31};  // 29 February lies between
 constexpr std::array<const char*, 6> kCodes{"A", "B", "C", "D", "E", "F"};
 constexpr std::array<const char*, 2> kPlaces{"Main", "Depot"};
-
-class LQuietProcess final : public LProcessInterface {
-public:
-    void SetStatus(std::string_view) override {}
-    void SetProgress(double) override {}
-    bool IsCancelled() const override { return false; }
-};
 
 class YearOfAShop : public ::testing::Test {
 protected:
@@ -135,7 +129,7 @@ protected:
                         .IsNone());
     }
     size_t RunRecurring() {
-        LQuietProcess process;
+        LSilentProcess process;
         LOrderSender sender;
         LRecurringOrderRunAllData data{shop.profile, sender, StartOfLocalDay(day) + 36000};
         EXPECT_TRUE(Process(process, data));
@@ -189,7 +183,7 @@ TEST_F(YearOfAShop, EndsWithBooksThatAgree) {
     EXPECT_EQ(recurred, 17U + 2 + 33 + 8);
 
     std::map<std::pair<std::string, std::string>, double> stock, ofOrder;  // by item
-    LQuietProcess quiet;
+    LSilentProcess quiet;
     LHistoryFilter year{kFirstDay, kLastDay, "", LSellKind::kAll};
     size_t rows = 0;
     const auto book = [&](const LHistoryRow& row, double sign) {

@@ -1,20 +1,9 @@
 #include "web/framework/LWebUserInterface.h"
 
+#include "platform/LSilentProcess.h"
 #include "web/framework/PageTargets.h"
 #include "web/framework/StandardPages.h"
 #include "web/server/WebletOutput.h"
-
-namespace {
-
-// There is nobody who could watch or cancel while the answer is being made.
-class LSilentProcess final : public LProcessInterface {
-public:
-    void SetStatus(std::string_view) override {}
-    void SetProgress(double) override {}
-    bool IsCancelled() const override { return false; }
-};
-
-}  // namespace
 
 std::string LWebUserInterface::Ask(std::string_view title, std::string_view text,
                                    const std::vector<std::string>& buttons) {

@@ -3,11 +3,11 @@
 #include "inventory/HistoryDelete.h"
 #include "inventory/LItem.h"
 #include "orders/OrderReceiving.h"
+#include "platform/LSilentProcess.h"
 #include "web/framework/LHtmlList.h"
 #include "web/framework/LWebUserInterface.h"
 #include "web/framework/PageTargets.h"
 #include "web/pages/ListFilterForm.h"
-#include "web/pages/SilentProcess.h"
 
 namespace {
 

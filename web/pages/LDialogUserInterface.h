@@ -4,8 +4,8 @@
 
 #include <string>
 
+#include "platform/LSilentProcess.h"
 #include "platform/LUserInterface.h"
-#include "web/pages/SilentProcess.h"
 
 // Every question is answered with its first button; what the operation tells is kept for the
 // dialog to show. Processes run at once, without a display.

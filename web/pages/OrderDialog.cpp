@@ -7,12 +7,12 @@
 #include "inventory/LNameMap.h"
 #include "inventory/MasterRecords.h"
 #include "orders/LPOrderList.h"
+#include "platform/LSilentProcess.h"
 #include "web/framework/PageTargets.h"
 #include "web/pages/LDialogUserInterface.h"
 #include "web/pages/LTextAnswer.h"
 #include "web/pages/NameChoices.h"
 #include "web/pages/OrderForm.h"
-#include "web/pages/SilentProcess.h"
 
 namespace {
 

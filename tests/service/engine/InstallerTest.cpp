@@ -7,11 +7,11 @@
 #include "inventory/LItem.h"
 #include "inventory/StockHistory.h"
 #include "inventory/StockQuantities.h"
+#include "platform/LSilentProcess.h"
 #include "service/engine/InstallerMain.h"
 #include "service/engine/SampleShop.h"
 #include "tests/support/LTempFolder.h"
 #include "web/accounts/LAppWebAccount.h"
-#include "web/pages/SilentProcess.h"
 
 namespace {
 
