@@ -31,6 +31,10 @@ void SetFields(LItem& item, const LNewOrderItem& newItem) {
     item.SetFloat("IdealQuantity", 1);
 }
 
+bool IsTiedToItem(const LProfile& profile, const std::string& itemId) {
+    return itemId.empty() || profile.Items().TestRecordExists(itemId);
+}
+
 LNewOrderItem ItemOfLine(const LProfile& profile, const LTaxOptions& options, const LPOrder& order,
                          int line) {
     LNewOrderItem item;
@@ -90,6 +94,13 @@ std::string LOrderItems::Create(const LNewOrderItem& newItem) {
     return key;
 }
 
+bool LOrderNamesNewItems(const LProfile& profile, const LPOrder& order) {
+    for (int line = 0; line < order.GetItemCount(); ++line) {
+        if (!IsTiedToItem(profile, order.GetItemID(line))) return true;
+    }
+    return false;
+}
+
 int LOrderRegisterItems(const LProfile& profile, std::string_view orderId) {
     const LMovementLock lock(profile);
     LPOrder order;
@@ -99,7 +110,7 @@ int LOrderRegisterItems(const LProfile& profile, std::string_view orderId) {
     int made = 0;
     for (int line = 0; line < order.GetItemCount(); ++line) {
         const std::string code = order.GetItemID(line);
-        if (code.empty() || profile.Items().TestRecordExists(code)) continue;
+        if (IsTiedToItem(profile, code)) continue;
         std::string key = items.Find(code);
         if (key.empty()) {
             key = items.Create(ItemOfLine(profile, options, order, line));

@@ -41,6 +41,9 @@ private:
     std::optional<std::unordered_map<std::string, std::string>> keys_;  // by folded code
 };
 
+// Whether a line of the order is not tied to an item: a draft keeps a code that nobody has as it
+// was typed.
+bool LOrderNamesNewItems(const LProfile& profile, const LPOrder& order);
 // Makes the items that the lines of a stored order name and nobody has; a line whose code some item
 // bears is tied to it. Under the movement lock, on the order as it is then. Returns how many were
 // made, -1 when there is no such order.

@@ -10,6 +10,7 @@
 
 #include "inventory/LItem.h"
 #include "orders/LPOrderList.h"
+#include "orders/OrderItems.h"
 #include "orders/OrderListView.h"
 #include "orders/OrderRecording.h"
 #include "tests/orders/LOrderShop.h"
@@ -163,6 +164,36 @@ TEST(OrderEditor, NewNamesBecomeItemsAndSuppliers) {
     order.GetSupplierName(shop.profile, supplier);
     EXPECT_EQ(supplier, "Newco");
     EXPECT_EQ(shop.Count(shop.profile.List("Suppliers")), 2);
+}
+
+TEST(OrderEditor, ADraftsNewCodesBecomeItemsWhenAsked) {
+    const LEditorShop shop;
+    LOrderInput draft = shop.Input();
+    draft.lines.push_back({"WIDGET", "", "", "1", "1", "", 0});
+    ASSERT_TRUE(LOrderEditorSaveDraft(shop.profile, draft).IsNone());
+    const auto namesNewItems = [&] {
+        LPOrder order;
+        return LPOrderOpen(shop.profile, order, draft.id) &&
+               LOrderNamesNewItems(shop.profile, order);
+    };
+    EXPECT_TRUE(namesNewItems());
+    EXPECT_EQ(LOrderRegisterItems(shop.profile, draft.id), 1);
+    EXPECT_FALSE(namesNewItems());
+    EXPECT_EQ(LOrderRegisterItems(shop.profile, draft.id), 0);
+    EXPECT_EQ(LOrderRegisterItems(shop.profile, "DFT9"), -1);
+    EXPECT_EQ(shop.Stored("Items", "WIDGET", "Name"), "WIDGET");
+}
+
+TEST(OrderEditor, DeletingAsksForOneOrSeveral) {
+    const LEditorShop shop;
+    LOrderInput input;
+    for (int order = 0; order < 3; ++order) ASSERT_EQ(shop.Record(input = shop.Input()).size(), 5U);
+    LScriptedUserInterface ui;
+    ui.ExpectDelete("Delete Orders", "Are you sure you want to delete the selected 2 orders?");
+    EXPECT_TRUE(LOrdersDelete(ui, shop.profile, {"10000", "10001"}));
+    ui.ExpectDelete("Delete Order", "Are you sure you want to delete the selected order?");
+    EXPECT_TRUE(LOrdersDelete(ui, shop.profile, {"10002"}));
+    EXPECT_EQ(shop.Count(shop.profile.Orders()), 0);
 }
 
 TEST(OrderEditor, ARecordedOrderIsSavedAgainUnderItsNumber) {

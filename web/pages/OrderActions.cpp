@@ -11,6 +11,7 @@
 #include "orders/OrderRecording.h"
 #include "web/accounts/PageCheck.h"
 #include "web/framework/LWebUserInterface.h"
+#include "web/framework/PageTargets.h"
 #include "web/pages/LTextAnswer.h"
 #include "web/pages/OrderForm.h"
 
@@ -66,10 +67,15 @@ void WLOrderRegItems(LWebletForm& form) {
     if (!AuthenticateAction(form)) return;
     if (!WLMayChange(form) || !form.IsPost()) return WLRedirect(form, kList);
     LWebUserInterface ui(form);
-    const int made = LOrderRegisterItems(form.Profile(), form.Parameter("id"));
-    ui.Inform("Items of the order", made < 0 ? std::string("There is no such order any more.")
-                                             : std::to_string(made) + " items were made.");
-    ui.Finish(kList);
+    const std::string id = form.Parameter("id");
+    const int made = LOrderRegisterItems(form.Profile(), id);
+    if (made < 0) {
+        ui.Inform("Items of the order", "There is no such order any more.");
+        return ui.Finish(kList);
+    }
+    ui.Inform("Items of the order", made == 1 ? std::string("1 item was made.")
+                                              : std::to_string(made) + " items were made.");
+    ui.Finish(WLMakeLink("orderprop", {{"id", id}}));
 }
 
 void VWAJAXOCBTaxSelChange(LWebletForm& form) {

@@ -7,6 +7,7 @@
 #include "inventory/LNameMap.h"
 #include "inventory/MasterRecords.h"
 #include "orders/LPOrderList.h"
+#include "orders/OrderItems.h"
 #include "platform/LSilentProcess.h"
 #include "web/framework/PageTargets.h"
 #include "web/pages/LDialogUserInterface.h"
@@ -108,6 +109,18 @@ void LWebOrderDialog::PrintAboveForm() {
         Out().Write("</div>");
     }
     Out().Write("</div>");
+    if (!IsViewer() && LOrderNamesNewItems(Profile(), order_)) PrintNewItems();
+}
+
+// A draft may wait for weeks; its new items need not.
+void LWebOrderDialog::PrintNewItems() {
+    Out().Printf(
+        "<form class=toolbar method=post action=orderregitems><input type=hidden name=id "
+        "value='%H'>"
+        "<span>This order names codes that are no items yet.</span>"
+        "<span class=actions><input type=submit class=button value='Make these items'></span>"
+        "</form>",
+        order_.GetPrimaryKey());
 }
 
 void LWebOrderDialog::Generate() {

@@ -20,6 +20,7 @@ protected:
     void PrintAboveForm() override;
 
 private:
+    void PrintNewItems();
     void GenerateHead();
     void GenerateAddresses();
     void GenerateTaxQuestion();
