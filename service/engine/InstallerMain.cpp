@@ -223,7 +223,8 @@ private:
         if (!sample.problem.empty()) return "no sample: " + sample.problem;
         out_ << "Sample: " << sample.items << " items, " << sample.suppliers << " suppliers, "
              << sample.customers << " customers, " << sample.receipts << " receipts and "
-             << sample.sales << " sales of the last two months\n";
+             << sample.sales << " sales of the last two months, " << sample.orders
+             << " purchase orders\n";
         return {};
     }
 

@@ -10,6 +10,7 @@
 #include "inventory/MasterRecords.h"
 #include "inventory/StockMovements.h"
 #include "inventory/StockQuantities.h"
+#include "service/engine/SampleOrders.h"
 #include "service/engine/SampleShopData.h"
 
 namespace {
@@ -58,6 +59,7 @@ public:
         for (int day = kDaysOfTrade; day >= 0 && result_.problem.empty(); --day) {
             Trade(today_.AddDays(-day), day == kDaysOfTrade);
         }
+        MakeOrders();
         return result_;
     }
 
@@ -262,6 +264,14 @@ private:
         }
         stock -= quantity;
         ++result_.sales;
+    }
+
+    void MakeOrders() {
+        if (HasFailed()) return;
+        const LSampleOrdersResult made = AddSampleOrders(ui_, profile_, today_);
+        result_.orders = made.recorded;
+        result_.receipts += made.receipts;
+        if (!made.problem.empty()) Fail(made.problem);
     }
 
     std::string CustomerName() {

@@ -90,6 +90,7 @@ export default async function buying({ test, browser, executable, shots }) {
     const shop = new Shop(executable);
     try {
         await shop.setUp('--sample');
+        shop.forgetOrders();
         const page = await openWindow(browser);
         await logOn(page, shop);
         await isReadableOnAPhone(browser, shop, ['orderlowstockitems', 'orderschedule'], shots);

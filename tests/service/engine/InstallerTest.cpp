@@ -111,6 +111,7 @@ TEST(SampleShop, ItsStockAgreesWithItsHistory) {
     EXPECT_GE(result.items, 150);
     EXPECT_EQ(result.suppliers, 6);
     EXPECT_EQ(result.customers, 12);
+    EXPECT_EQ(result.orders, 3);
 
     std::map<std::string, double> moved;
     LSilentProcess process;
