@@ -2,11 +2,14 @@
 #include <fcntl.h>
 #include <grp.h>
 #include <gtest/gtest.h>
+#include <sched.h>
+#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <csignal>
+#include <random>
 
 #include "datastore/LFileStoreListBase.h"
 #include "tests/datastore/LFailStoreCalls.h"
@@ -162,6 +165,36 @@ TEST_F(FileStoreFaults, ATextThatDoesNotFitLeavesTheOldOne) {
     EXPECT_EQ(OpenAndGet(list_, "2", "a"), "small");
 }
 
+TEST_F(FileStoreFaults, AFullDiskLosesNoRecord) {
+    const int status =
+        LChildProcess([&] {
+            const std::string disk = home_.File("disk");
+            if (::mkdir(disk.c_str(), 0777) != 0 || ::unshare(CLONE_NEWNS) != 0 ||
+                ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+                ::mount("tmpfs", disk.c_str(), "tmpfs", 0, "size=256k,nr_inodes=100") != 0) {
+                return kSkipped;
+            }
+            const LFileStoreListBase list = ItemsIn(disk);
+            int made = 0;
+            while (made < 100 && Create(list, std::string(3000, 'x')) != "failed") ++made;
+            if (made < 10 || made == 100) return 1;
+            if (CountRecords(list) != made) return 2;
+            for (int key = 1; key <= made; ++key) {
+                const std::string value(size_t{3000} + (key % 2 == 0 ? 3000 : 0), 'y');
+                if (!Put(list, std::to_string(key), value)) return 3;
+            }
+            for (int key = 1; key <= made; ++key) {
+                const std::string value = OpenAndGet(list, std::to_string(key), "a");
+                const bool isNew = value.find_first_not_of('y') == std::string::npos;
+                if (value != std::string(3000, 'x') && !isNew) return 4;
+                if (isNew && value.size() != 3000 && value.size() != 6000) return 5;
+            }
+            return list.Delete("1") && Create(list, "fits again") == "1" ? 0 : 6;
+        }).Wait();
+    if (status == kSkipped) GTEST_SKIP() << "no right to mount a small disk";
+    EXPECT_EQ(status, 0);
+}
+
 TEST_F(FileStoreFaults, AReadOnlyFolderIsReadAndNothingElse) {
     ASSERT_TRUE(Put(list_, "1", "old"));
     ::chmod(home_.File("Items/1.dat").c_str(), 0444);
@@ -193,4 +226,63 @@ TEST_F(FileStoreFaults, AnUnreadableFileIsLeftOutAndLeftAlone) {
     ::chmod(home_.File("Items/1.dat").c_str(), 0644);
     EXPECT_EQ(OpenAndGet(list_, "1", "a"), "secret");
     EXPECT_EQ(OpenAndGet(list_, "2", "a"), "new");
+}
+
+TEST_F(FileStoreFaults, AFolderOrPipeInThePlaceOfARecordIsNone) {
+    std::filesystem::create_directories(home_.File("Items/1.dat/inside"));
+    ::mkfifo(home_.File("Items/2.dat").c_str(), 0666);
+    const int descriptors = OpenDescriptors();
+    EXPECT_EQ(OpenAndGet(list_, "1", "a"), "no record");
+    EXPECT_FALSE(list_.TestRecordExists("1"));
+    EXPECT_TRUE(Put(list_, "1", "x")) << "a file that cannot be opened counts as saved";
+    EXPECT_FALSE(list_.Delete("1"));
+    Put(list_, "2", "x");  // must not wait for somebody at the other end
+    EXPECT_EQ(CountRecords(list_), 0);
+    EXPECT_EQ(OpenDescriptors(), descriptors);
+    EXPECT_EQ(Create(list_, "x"), "3");
+    EXPECT_TRUE(std::filesystem::exists(home_.File("Items/1.dat/inside")));
+}
+
+TEST_F(FileStoreFaults, AFileOfFourGigabytesReadsAsEmptyAndIsReplaced) {
+    home_.WriteFile("Items/1.dat", "a=1&" + std::string(5000, 'x'));
+    if (::truncate(home_.File("Items/1.dat").c_str(), off_t{1} << 32) != 0) {
+        GTEST_SKIP() << "no sparse files here";
+    }
+    LRecord record;
+    ASSERT_TRUE(list_.Open(record, "1"));
+    EXPECT_EQ(record.Fields().Count(), 0U);
+    record.SetString("b", "2");
+    EXPECT_TRUE(record.Flush());
+    EXPECT_EQ(std::filesystem::file_size(home_.File("Items/1.dat")), 3U);
+    EXPECT_EQ(OpenAndGet(list_, "1", "b"), "2");
+}
+
+TEST_F(FileStoreFaults, RecordsOfAnyBytesLoadAndCanBeMended) {
+    std::mt19937 random(4711);
+    const int descriptors = OpenDescriptors();
+    for (int round = 0; round < 1500; ++round) {
+        std::string text = "Name=PART&Description=Hex%20bolt&Quantity=5.000000&Notes=";
+        if (round % 3 == 0) text.assign(random() % 6000, ' ');
+        for (size_t i = random() % (text.size() + 1); i > 0; --i) {
+            text[random() % text.size()] = static_cast<char>(random());
+        }
+        text.resize(random() % (text.size() + 1));
+        home_.WriteFile("Items/1.dat", text);
+        LRecord record, again;
+        ASSERT_TRUE(list_.Open(record, "1"));
+        const size_t fields = record.Fields().Count();
+        record.GetFloat("Quantity");
+        record.SetString("Mended", std::to_string(round));
+        ASSERT_TRUE(record.Flush());
+        ASSERT_TRUE(list_.Open(again, "1"));
+        ASSERT_EQ(again.GetInt("Mended", -1), round);
+        ASSERT_EQ(again.Fields().Count(), fields + 1);
+        for (size_t i = 0; i < fields; ++i) {
+            ASSERT_FALSE(again.Fields().Name(i).empty());
+            ASSERT_LE(again.Fields().Name(i).size(), 63U);
+            ASSERT_EQ(again.Fields().Name(i), record.Fields().Name(i));
+            ASSERT_EQ(again.Fields().Value(i), record.Fields().Value(i));
+        }
+    }
+    EXPECT_EQ(OpenDescriptors(), descriptors);
 }

@@ -141,6 +141,29 @@ TEST(FileStoreProcesses, FourCreatorsTakeEveryNumberOnceAndAreNeverSeenHalf) {
     EXPECT_EQ(made.size(), std::set(made.begin(), made.end()).size()) << "one record per save";
 }
 
+TEST(FileStoreProcesses, TheSmallestFreeNumberCountsWhatOthersDidMeanwhile) {
+    const LTempFolder home;
+    const LFileStoreListBase list = ItemsIn(home);
+    const auto create = [&] {
+        LRecord record;
+        list.CreateNewRecord(record);
+        record.SetString("a", "1");
+        return list.Save(record) ? record.GetPrimaryKey() : "failed";
+    };
+    const auto inChild = [](const std::function<bool()>& work) {
+        return LChildProcess([&] { return work() ? 0 : 1; }).Wait() == 0;
+    };
+    for (int n = 1; n <= 5; ++n) EXPECT_EQ(create(), std::to_string(n));
+    EXPECT_TRUE(inChild([&] { return list.Delete("2") && list.Delete("4"); }));
+    EXPECT_EQ(create(), "2");
+    // The child begins with the parent's memory, but must not take away what the parent is told.
+    EXPECT_TRUE(inChild([&] { return list.Delete("1") && list.Delete("5") && create() == "1"; }));
+    EXPECT_EQ(create(), "4");
+    EXPECT_EQ(create(), "5");
+    EXPECT_TRUE(inChild([&] { return create() == "6"; }));
+    EXPECT_EQ(create(), "7");
+}
+
 TEST(FileStoreProcesses, ALockHeldElsewhereDelaysAsLongAsDocumentedAndNoLonger) {
     const LTempFolder home;
     const LFileStoreListBase list = ItemsIn(home);

@@ -8,6 +8,7 @@
 #include "inventory/MasterRecords.h"
 #include "inventory/StockMovements.h"
 #include "tests/inventory/LTestShop.h"
+#include "tests/support/LChildProcess.h"
 #include "tests/support/LFailNthFileCall.h"
 #include "tests/support/LScriptedUserInterface.h"
 
@@ -188,6 +189,42 @@ TEST_F(HistoryDelete, ARowThatCannotBeTakenOutLeavesTheStockAsItWas) {
         if (!fault.Fired()) break;             // every call has had its turn
     }
     EXPECT_GE(refusals, 3) << "opening, writing and cutting the file";
+}
+
+TEST_F(HistoryDelete, AnIdTravelsThroughAFormAndBack) {
+    const LHistoryRowId id{kMonday, 120, "1.00,5,$1.00,\"A b\",Smith,\"x\r\ny\",\r\n"};
+    EXPECT_EQ(LHistoryRowId::FromText(id.ToText()), id);
+    for (const char* text :
+         {"", "2024-03-04", "2024-03-04 12", "2024-02-30 1 x", "2024-03-04 -1 x", "2024-03-04 1x x",
+          "2024-03-04  x", "../../etc 1 x", "2024-03-04 99999999999999999999999 x"}) {
+        EXPECT_EQ(LHistoryRowId::FromText(text), std::nullopt) << text;
+    }
+}
+
+TEST_F(HistoryDelete, RowsAppendedByOthersMeanwhileAreAllKept) {
+    constexpr int kRows = 60;
+    for (int i = 0; i < kRows; ++i) shop_.Sell("BOLT", 1, kMonday, {100, 2});
+    LChildProcess seller([&] {
+        const LProfile profile(shop_.profile.DatabaseFolder());
+        for (int i = 0; i < kRows; ++i) {
+            LSale sale;
+            sale.customer = "Jones";
+            sale.date = kMonday;
+            sale.lines = {{"NUT", "Main", 1, {100, 2}}};
+            int sold = 0;
+            LSellStock(profile, sale, sold);
+            if (sold != 1) return 1;
+        }
+        return 0;
+    });
+    for (int i = 0; i < kRows; ++i) {  // always the first row: all that follow move
+        const auto ids = Sold();
+        ui_.ExpectDelete("Delete Record", kOne);
+        EXPECT_EQ(LDeleteSellRows(ui_, shop_.profile, {ids.front()}), 1);
+    }
+    EXPECT_EQ(seller.Wait(), 0);
+    EXPECT_EQ(shop_.SoldRows(kMonday, kMonday).size(), static_cast<size_t>(kRows));
+    EXPECT_EQ(shop_.Stock("BOLT") + shop_.Stock("NUT"), 200 - kRows);
 }
 
 }  // namespace
