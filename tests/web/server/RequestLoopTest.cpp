@@ -216,7 +216,7 @@ TEST_F(RequestLoop, EveryRequestSweepsExpiredSessions) {
         std::filesystem::last_write_time(
             path, std::filesystem::file_time_type::clock::now() - std::chrono::hours(8 * 24));
         EXPECT_TRUE(Eventually([&] {
-            server.Ask(Get("/a.css"));
+            server.Ask(Get("/a.css", "Connection: close\r\n"));
             return !std::filesystem::exists(path);
         })) << when;
     }
