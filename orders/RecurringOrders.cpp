@@ -27,8 +27,10 @@ void TakeItemCost(const LProfile& profile, LPOrder& order, int line) {
     order.SetItemUnitValueDigits(line, cost.digits);
 }
 
-// The day from which the template's next order counts: its last run, else its start.
+// The day from which the template's next order counts: the period caught up last, its last run,
+// else its start.
 LDate PeriodStart(const LPOrder& recurring, const LDate& otherwise) {
+    if (const auto served = LastServedDay(recurring)) return *served;
     for (const char* field : {"RecurLast", "RecurStart"}) {
         if (const auto date = LDate::FromStored(recurring.GetView(field))) return *date;
     }
@@ -40,6 +42,7 @@ bool MakeOrder(const LProfile& profile, const LPOrder& recurring, const LDate& t
                const LRecurringPeriod& period, LPOrder& order) {
     order.CopyRecord(recurring);
     order.DeleteField(kPlacing);
+    order.DeleteField(kRecurServed);
     order.SetBool("IsDraft", false);
     order.SetString("Date", today.ToStored());
     order.SetString("Receipt Date", today.ToStored());
@@ -66,9 +69,11 @@ bool NotePlacing(LPOrder& recurring, const std::string& orderId, const LDate& du
     return isSaved;
 }
 
-bool NoteRun(LPOrder& recurring, const LDate& today) {
+bool NoteRun(LPOrder& recurring, const LDate& today, const LRecurringPeriod& period) {
     recurring.SetString("RecurLast", today.ToStored());
     recurring.DeleteField(kPlacing);
+    recurring.DeleteField(kRecurServed);
+    if (period.isMoreDue) NoteServedDay(recurring, period.due, today);
     return SaveToFile(recurring);
 }
 
@@ -126,84 +131,42 @@ std::string Dispatch(const LProfile& profile, LOrderDispatch& dispatch, const LP
     }
 }
 
-// The periods of one template that are due at one moment, from the oldest.
-class LCatchUp {
-public:
-    explicit LCatchUp(std::time_t now) : now_(now), today_(LDate::FromTime(now)) {}
+enum class LStep { kRecorded, kNothingDue, kFailed };
 
-    enum class LStep { kRecorded, kNothingDue, kFailed };
-    // Places the next period's order. Under the movement lock, with the template as it is stored.
-    LStep Record(const LProfile& profile, LPOrder& recurring, std::string& orderId);
-
-    // Stopped with periods still due: the template then was run last when it was served last, so
-    // that the next look goes on from there. Under the movement lock, as Record.
-    void KeepPlace(LPOrder& recurring);
-
-private:
-    bool FindDue(const LPOrder& recurring);
-
-    const std::time_t now_;
-    const LDate today_;
-    std::optional<LDate> served_;  // the due day that was placed last
-    LDate due_;                    // the one to place
-};
-
-bool LCatchUp::FindDue(const LPOrder& recurring) {
-    if (!served_) {
-        const int64_t due = LRecurringOrderGetDueDate(recurring);
-        due_ = LDate::FromTime(due);
-        return IsDueAt(due, now_);
-    }
-    // Somebody changed it meanwhile: what is due now is for the next look to say.
-    if (recurring.GetView("RecurLast") != today_.ToStored()) return false;
+// Places the order of the oldest period that is due. Under the movement lock, with the template as
+// it is stored: also another service may have placed the one before.
+LStep RecordDue(const LProfile& profile, LPOrder& recurring, std::time_t now,
+                std::string& orderId) {
+    const int64_t dueTime = LRecurringOrderGetDueDate(recurring);
+    if (!IsDueAt(dueTime, now)) return LStep::kNothingDue;
+    const LDate today = LDate::FromTime(now);
+    const LDate due = LDate::FromTime(dueTime);
     const auto next =
-        NextRecurringDay(*served_, recurring.GetInt("RecurInterval", kRecurIntervalDefault));
-    due_ = next.value_or(today_);
-    return next && IsDueAt(StartOfLocalDay(*next), now_);
-}
-
-LCatchUp::LStep LCatchUp::Record(const LProfile& profile, LPOrder& recurring,
-                                 std::string& orderId) {
-    if (!FindDue(recurring)) return LStep::kNothingDue;
-    orderId = PlacedUnnoted(profile, recurring, due_);
-    if (!orderId.empty()) {
-        if (!NoteRun(recurring, today_)) return LStep::kFailed;
-        served_ = due_;
-        return LStep::kRecorded;
-    }
+        NextRecurringDay(due, recurring.GetInt("RecurInterval", kRecurIntervalDefault));
+    const bool isMoreDue = next && IsDueAt(StartOfLocalDay(*next), now);
     // The last period reaches up to today, where the next one will begin: no day is left out.
-    const auto next =
-        NextRecurringDay(due_, recurring.GetInt("RecurInterval", kRecurIntervalDefault));
-    const bool isLast = !next || !IsDueAt(StartOfLocalDay(*next), now_);
-    const LRecurringPeriod period{served_.value_or(PeriodStart(recurring, due_)),
-                                  isLast ? today_ : due_, due_};
-    if (!LRecurringOrderRecordFor(profile, recurring, today_, period, orderId)) {
-        return LStep::kFailed;
-    }
-    served_ = due_;
-    return LStep::kRecorded;
-}
-
-void LCatchUp::KeepPlace(LPOrder& recurring) {
-    if (!served_ || !FindDue(recurring)) return;
-    recurring.SetString("RecurLast", served_->ToStored());
-    recurring.Flush();
+    const LRecurringPeriod period{PeriodStart(recurring, due), isMoreDue ? due : today, due,
+                                  isMoreDue};
+    orderId = PlacedUnnoted(profile, recurring, due);
+    const bool isRecorded =
+        orderId.empty() ? LRecurringOrderRecordFor(profile, recurring, today, period, orderId)
+                        : NoteRun(recurring, today, period);
+    return isRecorded ? LStep::kRecorded : LStep::kFailed;
 }
 
 void RunTemplate(LProcessInterface& process, LRecurringOrderRunAllData& data,
                  const std::string& id) {
-    LCatchUp catchUp(data.now);
     while (!process.IsCancelled()) {
         LPOrder recurring;
         std::string orderId;
-        LCatchUp::LStep step = LCatchUp::LStep::kNothingDue;
+        LStep step = LStep::kNothingDue;
         {
             const LMovementLock lock(data.profile);
             if (!LRecurringPOrderList(data.profile).Open(recurring, id)) return;
-            step = catchUp.Record(data.profile, recurring, orderId);
+            step = RecordDue(data.profile, recurring, data.now, orderId);
         }
-        if (step == LCatchUp::LStep::kNothingDue) return;
-        if (step == LCatchUp::LStep::kFailed) {
+        if (step == LStep::kNothingDue) return;
+        if (step == LStep::kFailed) {
             data.result.failures.push_back(NotRecorded(id));
             return;
         }
@@ -211,9 +174,6 @@ void RunTemplate(LProcessInterface& process, LRecurringOrderRunAllData& data,
         std::string failure = Dispatch(data.profile, data.dispatch, recurring, orderId);
         if (!failure.empty()) data.result.failures.push_back(std::move(failure));
     }
-    const LMovementLock lock(data.profile);
-    LPOrder recurring;
-    if (LRecurringPOrderList(data.profile).Open(recurring, id)) catchUp.KeepPlace(recurring);
 }
 
 std::vector<std::string> TemplateIds(const LProfile& profile) {
@@ -250,9 +210,11 @@ bool LRecurringOrderRecordFor(const LProfile& profile, LPOrder& recurring, const
     newId = order.GetPrimaryKey();
     order.CopyRecord(made);
     const std::string lastRun = recurring.GetString("RecurLast");
+    const std::string lastServed = recurring.GetString(kRecurServed);
     if (NotePlacing(recurring, newId, period.due) && SaveToFile(order)) {
-        if (NoteRun(recurring, today)) return true;
+        if (NoteRun(recurring, today, period)) return true;
         recurring.SetString("RecurLast", lastRun);
+        recurring.SetString(kRecurServed, lastServed);
         recurring.ClearDirty();  // it still says so in its file
     }
     // An order whose template does not know of it would be placed again, every time. A note about

@@ -15,8 +15,9 @@
 
 // What one order of a template stands for.
 struct LRecurringPeriod {
-    LDate from, to;  // the days that "%period%" in a description names
-    LDate due;       // the due day that it serves; another day when it is run out of turn
+    LDate from, to;          // the days that "%period%" in a description names
+    LDate due;               // the due day that it serves; another day when it is run out of turn
+    bool isMoreDue = false;  // the template falls due again after `due`, not after the run
 };
 
 // Makes the recorded order of a template as of today: a copy with today's dates, its options
@@ -58,9 +59,11 @@ struct LRecurringOrderRunData {
 };
 // Runs all that are due, each once for every period that it has missed. A period is placed once,
 // however many services look for it at the same time: each run reads the template anew, and who
-// comes second finds that it was run today. Also when a run was killed between the order and its
-// template: the field "RecurPlacing" of the template, there only meanwhile, says number and due day
-// of the order ("10000 2026-01-05"), which is then taken as this period's and sent out.
+// comes second finds it served: the field "RecurServed" of the template says up to where, so that
+// also who was stopped or killed between two periods goes on with the next. Also when a run was
+// killed between the order and its template: the field "RecurPlacing" of the template, there only
+// meanwhile, says number and due day of the order ("10000 2026-01-05"), which is then taken as this
+// period's and sent out.
 struct LRecurringOrderRunAllData {
     const LProfile& profile;
     LOrderDispatch& dispatch;

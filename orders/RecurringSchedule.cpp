@@ -43,9 +43,22 @@ int64_t LRecurringOrderGetDueDate(const LPOrder& recurring) {
     if (lastText.empty()) {
         due = LDate::FromStored(recurring.GetView("RecurStart"));
     } else if (const std::optional<LDate> last = LDate::FromStored(lastText)) {
-        due = NextRecurringDay(*last, recurring.GetInt("RecurInterval", kRecurIntervalDefault));
+        due = NextRecurringDay(LastServedDay(recurring).value_or(*last),
+                               recurring.GetInt("RecurInterval", kRecurIntervalDefault));
     }
     return due ? StartOfLocalDay(*due) : kNeverDue;
+}
+
+std::optional<LDate> LastServedDay(const LPOrder& recurring) {
+    const std::string_view note = recurring.GetView(kRecurServed);
+    const size_t blank = note.find(' ');
+    if (blank == std::string_view::npos) return std::nullopt;
+    if (note.substr(blank + 1) != recurring.GetView("RecurLast")) return std::nullopt;
+    return LDate::FromStored(note.substr(0, blank));
+}
+
+void NoteServedDay(LPOrder& recurring, const LDate& served, const LDate& today) {
+    recurring.SetString(kRecurServed, served.ToStored() + " " + today.ToStored());
 }
 
 std::optional<LDate> NextRecurringDay(const LDate& last, int interval) {

@@ -5,6 +5,8 @@
 //   "RecurReplaceText"  on: "%period%" in line descriptions becomes dates
 //   "RecurUpdatePrices" on: the lines' unit costs are those that the items have by then
 //   "RecurLast"         date of the last run; empty before the first
+//   "RecurServed"       there only while missed periods are caught up: the due day served last and
+//                       the day of that run ("2026-01-12 2026-02-04")
 #pragma once
 
 #include <array>
@@ -28,10 +30,18 @@ enum LRecurAction { kRecurJustRecord = 0, kRecurPrint = 1, kRecurEmail = 2, kRec
 inline constexpr std::array<std::string_view, 3> kRecurActions{"Just record", "Print",
                                                                "Send by e-mail"};
 
-// Seconds since the epoch of the next due time, a local midnight.
+// Seconds since the epoch of the next due time, a local midnight. It follows the last run or, in
+// the middle of catching up, the due day served last.
 int64_t LRecurringOrderGetDueDate(const LPOrder& recurring);
+inline constexpr std::string_view kRecurServed = "RecurServed";
 inline constexpr int64_t kNeverDue = 2147483647;
 inline bool IsDueAt(int64_t due, std::time_t now) { return due != kNeverDue && due <= now; }
+
+// The due day that was served last when more are to be caught up. Nothing when none are, also where
+// the template was run later, or set back by hand.
+std::optional<LDate> LastServedDay(const LPOrder& recurring);
+// To be stored together with "RecurLast", which is then `today`.
+void NoteServedDay(LPOrder& recurring, const LDate& served, const LDate& today);
 
 // The day that follows a run on `last`: 7 or 14 days later, or so many months; from the 28th on it
 // is the last day of the target month, which in February is always the 28th. Nothing for an

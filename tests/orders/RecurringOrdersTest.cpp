@@ -1,7 +1,9 @@
 #include "orders/RecurringOrders.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <thread>
@@ -193,7 +195,8 @@ TEST_F(RecurringOrders, StoppedItGoesOnWhereItWas) {
     LRecurringOrderRunAllData data{shop.profile, dispatch, Noon("2026-02-04")};
     EXPECT_FALSE(Process(process, data));
     EXPECT_EQ(data.result.orderIds.size(), 2U);
-    EXPECT_EQ(shop.Stored("OrdersRecurring", id, "RecurLast"), "2026-01-12");
+    EXPECT_EQ(shop.Stored("OrdersRecurring", id, "RecurLast"), "2026-02-04");
+    EXPECT_TRUE(LRecurringOrderTest(shop.profile, Noon("2026-02-04")));
     EXPECT_TRUE(RunAll("2026-02-04"));
     EXPECT_EQ(Orders().size(), 5U);
 }
@@ -220,6 +223,59 @@ TEST_F(RecurringOrders, AKilledRunPlacesItsPeriodOnce) {
     EXPECT_EQ(dispatch.calls, (std::vector<std::string>{"print 10000", "print 10000", "print 10001",
                                                         "print 10002"}));
     EXPECT_EQ(shop.Stored("Orders", "10002", "RecurPlacing"), "");
+}
+
+// Killed while it prints the second of several missed periods, or just before the template knew
+// that order, it goes on the next day: no period is left out and none comes twice.
+TEST_F(RecurringOrders, KilledWhileCatchingUpItGoesOnWithTheNextPeriod) {
+    class LKillingDispatch final : public LOrderDispatch {
+    public:
+        bool Print(const LProfile&, const LPOrder& order) override {
+            if (order.GetPrimaryKey().back() == '1') ::_exit(9);
+            return true;
+        }
+        bool Email(const LProfile&, const LPOrder&, std::string_view) override { return false; }
+        bool Fax(const LProfile&, const LPOrder&, std::string_view) override { return false; }
+    };
+    const std::string id = AddTemplate({{"RecurStart", "2026-01-05"},
+                                        {"RecurInterval", "0"},
+                                        {"RecurAction", "1"},
+                                        {"RecurReplaceText", "1"}});
+    LChildProcess killed([this] {
+        LKillingDispatch dies;
+        LRecurringOrderRunAllData data{shop.profile, dies, Noon("2026-02-04")};
+        LScriptedUserInterface ui;
+        RunRecurringOrders(ui, data);
+        return 0;
+    });
+    ASSERT_EQ(killed.Wait(), 9);
+    EXPECT_EQ(shop.Stored("OrdersRecurring", id, "RecurLast"), "2026-02-04");
+    EXPECT_EQ(shop.Stored("OrdersRecurring", id, "RecurServed"), "2026-01-12 2026-02-04");
+    for (const char* placing : {"", "10001 2026-01-12"}) {
+        LPOrder recurring;
+        ASSERT_TRUE(LRecurringPOrderList(shop.profile).Open(recurring, id));
+        recurring.SetString("RecurLast", "2026-02-04");
+        recurring.SetString("RecurPlacing", placing);
+        recurring.SetString("RecurServed",
+                            (*placing ? "2026-01-05" : "2026-01-12") + std::string(" 2026-02-04"));
+        ASSERT_TRUE(recurring.Flush());
+        for (int n = 10002; n < 10005; ++n) shop.profile.Orders().Delete(std::to_string(n));
+        EXPECT_TRUE(RunAll("2026-02-05"));
+        EXPECT_TRUE(RunAll("2026-02-05"));
+        std::vector<std::string> periods;
+        LRecordedPOrderList(shop.profile).ForEach([&periods](const LPOrder& order) {
+            EXPECT_FALSE(order.TestFieldExists("RecurServed"));
+            periods.push_back(order.GetItemDescription(0).substr(0, 24));
+            return true;
+        });
+        std::sort(periods.begin(), periods.end());
+        EXPECT_EQ(periods,
+                  (std::vector<std::string>{"2026-01-05 to 2026-01-05", "2026-01-05 to 2026-01-12",
+                                            "2026-01-12 to 2026-01-19", "2026-01-19 to 2026-01-26",
+                                            "2026-01-26 to 2026-02-05"}))
+            << placing;
+        EXPECT_EQ(shop.Stored("OrdersRecurring", id, "RecurServed"), "");
+    }
 }
 
 TEST_F(RecurringOrders, PricesFollowTheItems) {
