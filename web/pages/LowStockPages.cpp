@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 
+#include "inventory/MovementLock.h"
 #include "web/framework/LHtmlList.h"
 #include "web/pages/LTextAnswer.h"
 #include "web/pages/ListFilterForm.h"
@@ -225,6 +226,8 @@ bool LWebOrderLowStockItemsDialog::ReadRows(std::vector<LLowStockRow>& rows,
 bool LWebOrderLowStockItemsDialog::CmOk() {
     std::vector<LLowStockRow> rows;
     std::vector<int> shownAt;
+    // What is proposed now must still be so when it is placed: a second tab may be as quick.
+    const LMovementLock lock(Profile());
     if (!ReadRows(rows, shownAt)) return false;
     LLowStockPlaced placed;
     const LLowStockError error = LLowStockPlaceOrders(Profile(), rows, placed);
