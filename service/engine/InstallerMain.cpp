@@ -10,6 +10,7 @@
 #include "service/control/LServiceControl.h"
 #include "service/email/EmailAddress.h"
 #include "service/engine/BackupCommands.h"
+#include "service/engine/LinkCommand.h"
 #include "service/engine/SampleShop.h"
 #include "web/accounts/LAppWebAccount.h"
 #include "web/server/LWebletServer.h"
@@ -19,14 +20,31 @@ namespace {
 constexpr size_t kGeneratedPasswordLetters = 12;
 constexpr size_t kMinimumPasswordBytes = 6;
 
+constexpr std::string_view kUsage =
+    "quillmarsh -installer [options]\n"
+    "  --business NAME      name the business\n"
+    "  --admin EMAIL        make this account, or make it an enabled administrator\n"
+    "  --password-stdin     take its password from the first line of the input\n"
+    "  --port N             the port of the web pages, 1 to 65535\n"
+    "  --web on|off         whether the service serves the web pages\n"
+    "  --link on|off        whether partner applications may use the stock; the first time,\n"
+    "                       on makes an access code and shows it once\n"
+    "  --sample             fill an empty business with a small hardware shop\n"
+    "or, alone,\n"
+    "  --backup FOLDER      copy all data into a new folder in FOLDER\n"
+    "  --restore FOLDER --yes\n"
+    "                       replace all data by the backup in FOLDER\n"
+    "  --help               show this\n";
+
 struct LInstallerOptions {
     std::optional<std::string> business, admin;
     bool passwordFromInput = false;
     std::optional<int> port;
-    std::optional<bool> web;
+    std::optional<bool> web, link;
     bool sample = false;
     std::optional<std::string> backup, restore;  // folders
     bool yes = false;
+    bool help = false;
 };
 
 // What stands in the way, in one line; empty when nothing does.
@@ -63,14 +81,14 @@ LProblem TakeValue(const std::string& name, const std::string& value, LInstaller
         (name == "--backup" ? options.backup : options.restore) = value;
         return value.empty() ? name + " wants a folder" : "";
     }
-    if (value != "on" && value != "off") return "--web wants on or off";
-    options.web = value == "on";
+    if (value != "on" && value != "off") return name + " wants on or off";
+    (name == "--web" ? options.web : options.link) = value == "on";
     return {};
 }
 
 bool WantsValue(std::string_view word) {
     return word == "--business" || word == "--admin" || word == "--port" || word == "--web" ||
-           word == "--backup" || word == "--restore";
+           word == "--link" || word == "--backup" || word == "--restore";
 }
 
 // Backup and restore stand alone, and only a clear yes replaces all data.
@@ -92,6 +110,9 @@ LProblem ParseOptions(const std::vector<std::string>& words, LInstallerOptions& 
             options.sample = true;
         } else if (word == "--yes") {
             options.yes = true;
+        } else if (word == "--help") {
+            options.help = true;
+            return {};
         } else if (WantsValue(word)) {
             if (++i == words.size()) return word + " wants a value";
             const LProblem problem = TakeValue(word, words[i], options);
@@ -115,6 +136,9 @@ public:
         if (problem.empty()) problem = NameBusiness(profile);
         if (problem.empty()) problem = PrepareAccount(password);
         if (problem.empty()) problem = StoreWebSettings();
+        if (problem.empty() && options_.link) {
+            problem = LTurnLinkFromCommandLine(profile, *options_.link, out_);
+        }
         if (problem.empty() && options_.sample) problem = AddSample(profile);
         return problem;
     }
@@ -244,6 +268,7 @@ LProblem ReadPassword(std::istream& in, std::string& password) {
 
 LProblem Run(const LInstallerOptions& options, const std::optional<std::string>& password,
              std::ostream& out) {
+    if (options.help) return out << kUsage, LProblem();
     if (options.backup) return LBackupFromCommandLine(*options.backup, out);
     if (options.restore) return LRestoreFromCommandLine(*options.restore, out);
     return LInstallation(options, out).Run(password);
@@ -256,7 +281,7 @@ int LInstallerMain(const std::vector<std::string>& words, std::istream& in, std:
     LInstallerOptions options;
     LProblem problem = ParseOptions(words, options);
     std::optional<std::string> password;
-    if (problem.empty() && options.passwordFromInput) {
+    if (problem.empty() && options.passwordFromInput && !options.help) {
         problem = ReadPassword(in, password.emplace());
     }
     if (problem.empty()) problem = Run(options, password, out);

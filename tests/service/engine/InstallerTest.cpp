@@ -10,6 +10,7 @@
 #include "platform/LSilentProcess.h"
 #include "service/engine/InstallerMain.h"
 #include "service/engine/SampleShop.h"
+#include "service/link/LinkSettings.h"
 #include "tests/support/LTempFolder.h"
 #include "web/accounts/LAppWebAccount.h"
 
@@ -37,6 +38,7 @@ TEST(Installer, RefusesWhatItDoesNotUnderstandBeforeItChangesAnything) {
         {{"--business", "Shop", "--port", "65536"}, "--port wants a number from 1 to 65535"},
         {{"--business", "Shop", "--port", "80x"}, "--port wants a number from 1 to 65535"},
         {{"--business", "Shop", "--web", "yes"}, "--web wants on or off"},
+        {{"--business", "Shop", "--link", "yes"}, "--link wants on or off"},
         {{"--restore", "/tmp"}, "--restore replaces all data: confirm with --yes"},
         {{"--business", "Shop", "--yes"}, "--yes goes with --restore"},
         {{"--backup", "/tmp", "--sample"}, "--backup goes with nothing else"},
@@ -99,6 +101,19 @@ TEST(Installer, AUserBecomesAnAdministratorAndKeepsThePassword) {
     EXPECT_EQ(account.Role(), LAccountRole::kAdministrator);
     EXPECT_EQ(account.GetString("DisplayName"), "Bob");
     EXPECT_EQ(account.GetString("Password"), "secret word");
+}
+
+TEST(Installer, TurnsThePartnerLinkOnWithACodeThatItShowsOnce) {
+    const LTempHome home;
+    const LRun on = Install({"--link", "on", "--web", "on"});
+    const std::string code = ReadLinkSettings(LProfile()).code;
+    ASSERT_EQ(code.size(), 20U) << on.error;
+    EXPECT_NE(on.out.find("Access code (shown only now): " + code + "\n"), std::string::npos);
+    EXPECT_EQ(Install({"--link", "off", "--help"}).status, 0);
+    EXPECT_EQ(Install({"--link", "on"}).out.find(code), std::string::npos);
+    EXPECT_EQ(ReadLinkSettings(LProfile()).code, code);
+    EXPECT_EQ(Install({"--link", "off"}).out, "Partner link: off\n");
+    EXPECT_FALSE(ReadLinkSettings(LProfile()).isOn);
 }
 
 // Every item's stock is what its history rows add up to.
