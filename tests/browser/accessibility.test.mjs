@@ -8,7 +8,9 @@ import { PAGES } from './pages.test.mjs';
 const AXE = createRequire(import.meta.url).resolve('axe-core/axe.min.js');
 const WITHOUT_SESSION = ['logon', 'lostpassword', 'lostpasswordsent', 'userdelete'];
 const KINDS = ['all', 'loccat', 'location', 'category', 'image', 'supplier', 'sales'];
-const FURTHER = ['chooseprofile', 'changepassword', 'changepasswordchanged', 'guide/index.html',
+const GUIDE = ['index', 'start', 'items', 'transfers', 'history', 'orders', 'lowstock', 'recurring', 'reports',
+    'email', 'backup', 'link'].map((name) => `guide/${name}.html`);
+const FURTHER = ['chooseprofile', 'changepassword', 'changepasswordchanged', ...GUIDE,
     'itemprop', 'catprop', 'locprop', 'supplierprop', 'customerprop', 'userprop?id=owner%40example.com',
     'itemlist?stock=Below%20warning%20level', 'itemtransfer', 'catdelete?id=1', 'supplierdelete?id=1',
     'orderlowstockitems', 'orderlowstockitems?mode=Items%20with%20current%20stock%20a%20percentage%20below%20ideal%20quantity', 'orderschedule',
