@@ -75,7 +75,11 @@ TEST_F(LServiceAgentTest, StartsAndStopsByEveryLauncher) {
         LServiceStopSoon();
         EXPECT_TRUE(LServiceAgent::WaitUntilEnded()) << launcher;
 
-        std::ofstream(ChooseAgentLauncher()->AgentPath(), std::ios::app) << "of another version";
+        // Not in place: the system refuses that until the last of the process is gone.
+        const std::string agent = ChooseAgentLauncher()->AgentPath(), other = agent + ".other";
+        fs::copy_file(agent, other);
+        std::ofstream(other, std::ios::app) << "of another version";
+        fs::rename(other, agent);
         EXPECT_FALSE(LServiceAgent::IsInstalled()) << launcher;
         EXPECT_TRUE(LServiceAgent::Install());
         EXPECT_TRUE(LServiceAgent::IsInstalled()) << launcher;
